@@ -1,0 +1,187 @@
+#include "common/basics.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <mutex>
+#include <string>
+
+#include "common/library.h"
+
+namespace {
+
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isBlankChar(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+constexpr char kPound = static_cast<char>(0xA3);
+
+}  // namespace
+
+// The text is read by hand so that only the plain number forms count
+// ("nan", "inf" and hexadecimal are no amounts); the cleaned digits then go
+// through from_chars, which rounds correctly and ignores the locale.
+double myatof(const char* text) {
+    if (!text) return 0.0;
+    const char* p = text;
+    while (isBlankChar(*p)) ++p;
+    bool pound = false;
+    if (*p == kPound) {
+        pound = true;
+        ++p;
+    }
+    bool negative = false;
+    if (*p == '-' || *p == '+') {
+        negative = *p == '-';
+        ++p;
+    }
+    if (!pound && *p == kPound) ++p;
+
+    std::string clean;
+    if (negative) clean += '-';
+    int digits = 0;
+    for (;; ++p) {
+        if (isDigit(*p)) {
+            clean += *p;
+            ++digits;
+        } else if (*p == ',' && digits > 0 && isDigit(p[1])) {
+            // thousands separator: skipped
+        } else {
+            break;
+        }
+    }
+    if (*p == '.') {
+        const char* q = p + 1;
+        std::string fraction;
+        while (isDigit(*q)) fraction += *q++;
+        if (digits > 0 || !fraction.empty()) {
+            if (!fraction.empty()) clean += '.';
+            clean += fraction;
+            digits += static_cast<int>(fraction.size());
+            p = q;
+        }
+    }
+    if (digits == 0) return 0.0;
+    if (*p == 'e' || *p == 'E') {
+        const char* q = p + 1;
+        std::string exponent = "e";
+        if (*q == '-' || *q == '+') exponent += *q++;
+        if (isDigit(*q)) {
+            while (isDigit(*q)) exponent += *q++;
+            clean += exponent;
+        }
+    }
+    double result = 0.0;
+    const auto [end, ec] = std::from_chars(clean.data(), clean.data() + clean.size(), result);
+    (void)end;
+    if (ec != std::errc() || !std::isfinite(result) || result == 0.0) return 0.0;
+    return result;
+}
+
+namespace {
+
+// One date field: 1 to 4 digits. Advances p past it.
+bool readField(const char*& p, int& value, int& length) {
+    value = 0;
+    length = 0;
+    while (isDigit(*p)) {
+        if (++length > 4) return false;
+        value = value * 10 + (*p - '0');
+        ++p;
+    }
+    return length > 0;
+}
+
+// Three digit fields with the separator between them and blanks around the
+// whole text; nothing else.
+bool readThreeFields(const char* text, char separator, int (&field)[3], int (&length)[3]) {
+    if (!text) return false;
+    const char* p = text;
+    while (isBlankChar(*p)) ++p;
+    for (int i = 0; i < 3; ++i) {
+        if (i > 0 && *p++ != separator) return false;
+        if (!readField(p, field[i], length[i])) return false;
+    }
+    while (isBlankChar(*p)) ++p;
+    return *p == '\0';
+}
+
+}  // namespace
+
+// Slashes only: the forms tell users "dd/mm/yyyy - must have slashes typed in",
+// so 01-04-2015 is not taken for a date. XML dates go through ParseXmlDate.
+int ParseDate(const char* text, int& year, int& month, int& day) {
+    year = month = day = 0;
+    int field[3] = {}, length[3] = {};
+    if (!readThreeFields(text, '/', field, length)) return 0;
+    day = field[0];
+    month = field[1];
+    year = field[2];
+    return 1;
+}
+
+int ParseXmlDate(const char* text, int& year, int& month, int& day) {
+    year = month = day = 0;
+    int field[3] = {}, length[3] = {};
+    if (!readThreeFields(text, '-', field, length) || length[0] != 4) return 0;
+    year = field[0];
+    month = field[1];
+    day = field[2];
+    return 1;
+}
+
+int yyyy(int year) {
+    if (year >= 0 && year <= 79) return year + 2000;
+    if (year >= 80 && year <= 99) return year + 1900;
+    return year;
+}
+
+namespace {
+
+std::mutex g_logMutex;
+LogSink g_logSink = nullptr;
+void* g_logContext = nullptr;
+
+void appendToLogFile(const CString& line) {
+    const char* named = std::getenv("CT600_LOG_FILE");
+    const CString path = named && *named ? CString(named) : GetTempDir() + "/ct600.log";
+    std::FILE* file = std::fopen(path, "a");
+    if (!file) return;
+    std::fputs(line, file);
+    std::fputc('\n', file);
+    std::fclose(file);
+}
+
+}  // namespace
+
+void SetLogSink(LogSink sink, void* context) noexcept {
+    std::lock_guard<std::mutex> lock(g_logMutex);
+    g_logSink = sink;
+    g_logContext = sink ? context : nullptr;
+}
+
+void DoLogF(const char* format, ...) {
+    if (!format) return;
+    try {
+        CString line;
+        va_list args;
+        va_start(args, format);
+        line.FormatV(format, args);
+        va_end(args);
+        LogSink sink = nullptr;
+        void* context = nullptr;
+        {
+            std::lock_guard<std::mutex> lock(g_logMutex);
+            sink = g_logSink;
+            context = g_logContext;
+        }
+        // The sink is called unlocked so that it may log in turn.
+        if (sink) {
+            sink(line, context);
+            return;
+        }
+        std::lock_guard<std::mutex> lock(g_logMutex);
+        appendToLogFile(line);
+    } catch (...) {
+        // The log never takes a run down.
+    }
+}

@@ -1,0 +1,94 @@
+// Folders, paths and the existence of files.
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <system_error>
+
+#include "common/library.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// A folder from the environment, without its trailing separators (the root
+// folder itself stays "/"). Empty when the variable is unset or empty.
+CString folderFromEnv(const char* variable) {
+    const char* value = std::getenv(variable);
+    if (!value || !*value) return CString();
+    std::string folder(value);
+    while (folder.size() > 1 && (folder.back() == '/' || folder.back() == '\\')) folder.pop_back();
+    return CString(std::move(folder));
+}
+
+[[maybe_unused]] bool isFolder(const char* path) {
+    std::error_code ec;
+    return fs::is_directory(fs::path(path), ec);
+}
+
+}  // namespace
+
+CString GetTempDir() {
+    CString folder = folderFromEnv("CT600_TEMP_DIR");
+    if (folder.IsEmpty()) {
+        std::error_code ec;
+        fs::path base = fs::temp_directory_path(ec);
+        if (ec || base.empty()) base = "/tmp";
+        std::string text = (base / "ct600").string();
+        while (text.size() > 1 && text.back() == '/') text.pop_back();
+        folder = CString(std::move(text));
+    }
+    std::error_code ec;
+    fs::create_directories(fs::path(folder.str()), ec);  // a failure shows when a file is opened
+    return folder;
+}
+
+CString GetCTdir() {
+    CString folder = folderFromEnv("CT600_TEMPLATE_DIR");
+    if (!folder.IsEmpty()) return folder;
+#ifdef CT600_TEMPLATE_INSTALL_DIR
+    if (isFolder(CT600_TEMPLATE_INSTALL_DIR)) return CString(CT600_TEMPLATE_INSTALL_DIR);
+#endif
+#ifdef CT600_TEMPLATE_SOURCE_DIR
+    return CString(CT600_TEMPLATE_SOURCE_DIR);
+#else
+    return CString(".");
+#endif
+}
+
+CString GetFormatsDir() {
+    CString folder = folderFromEnv("CT600_FORMATS_DIR");
+    return folder.IsEmpty() ? GetCTdir() : folder;
+}
+
+CString GetQuillonDir() {
+    CString folder = folderFromEnv("CT600_SUITE_DIR");
+    return folder.IsEmpty() ? GetCTdir() : folder;
+}
+
+CString JoinPath(const char* folder, const char* name, const char* extension) {
+    CString out(folder);
+    if (!out.IsEmpty()) {
+        const char last = out.GetAt(out.GetLength() - 1);
+        if (last != '/' && last != '\\') out += '/';
+    }
+    out += name;
+    out += extension;
+    return out;
+}
+
+int exists(const char* path) {
+    if (!path || !*path) return 0;
+    std::error_code ec;
+    return fs::is_regular_file(fs::path(NativePath(path).str()), ec) ? 1 : 0;
+}
+
+CString NativePath(const char* path) {
+    std::string out;
+    if (!path) return CString();
+    for (const char* p = path; *p; ++p) {
+        const char c = *p == '\\' ? '/' : *p;
+        if (c == '/' && !out.empty() && out.back() == '/') continue;
+        out += c;
+    }
+    return CString(std::move(out));
+}

@@ -1,0 +1,191 @@
+#include "liability/charge_parts.h"
+
+#include <climits>
+#include <cstdlib>
+
+#include "common/library.h"
+#include "platform/message_box.h"
+
+namespace {
+
+constexpr const char* kEqualsRow = "<tr><td/><td align=right>=====</td></tr>";
+
+// atoi without its undefined overflow.
+int toInt(const char* text) {
+    if (!text) return 0;
+    const long value = std::strtol(text, nullptr, 10);
+    if (value > INT_MAX) return INT_MAX;
+    if (value < INT_MIN) return INT_MIN;
+    return static_cast<int>(value);
+}
+
+double taxOf(const CXMLVar* year) {
+    const CXMLVar* tax = year ? year->FindChild("Tax") : nullptr;
+    return tax ? std::strtod(tax->value, nullptr) : 0.0;
+}
+
+void amountRow(CString& out, const CString& label, double amount) {
+    out += "<tr><td>";
+    out += label;
+    out += "</td><td align=right>";
+    out += fmt2(amount);
+    out += "</td></tr>";
+}
+
+}  // namespace
+
+int CompanyType(CMapStringToString& boxes, CString& label) {
+    int type = toInt(boxes["co_type"]);
+    label = type == kOpenEndedInvestmentTrust ? "Open Ended Investment Trust" : "Corporation";
+    const CString force = boxes["forcestandardrate"];
+    DoLogF("s2=%s", force.c_str());
+    if (force == "T" || IsYes(force)) {
+        type = kStandardRateCompany;
+        DoLogF("forcing cotype=%d", type);
+    }
+    return type;
+}
+
+void AddReturnDetails(CXMLVar& root, CMapStringToString& boxes) {
+    root.AddChild("name", boxes["name"]);
+    root.AddChild("year", boxes["year"]);
+    root.AddChild("ref", boxes["tax_reference"]);
+}
+
+void AddProfitFigures(CXMLVar& root, const char* typeLabel, const ChargeRun& run) {
+    root.AddChild("Type", typeLabel);
+    root.AddChild("BasicProfit", fmt2(run.BasicProfit));
+    root.AddChild("OtherProfit", fmt2(run.OtherProfit));
+    root.AddChild("Profit", fmt2(run.Profit));
+}
+
+std::ofstream OpenTempFile(const char* fileName) {
+    const CString path = NativePath(GetTempDir() + "\\" + fileName);
+    return std::ofstream(path.c_str(), std::ios::out | std::ios::trunc | std::ios::binary);
+}
+
+void CheckPeriodLength(ChargeRun& run, const char* message) {
+    if (run.days <= 366) return;
+    // A host without a user installs a message sink; either way the run goes on.
+    AfxMessageBox(message, MB_OK);
+    run.periodMessage = message;
+}
+
+void ChargeYears(ChargeRun& run, CXMLVar* root, const YearRules& rules, int associates1, int associates2) {
+    int fydays = 0, totaldays = 0;
+    auto adopt = [root](CXMLVar* year) {
+        if (root)
+            root->AddChild(year);
+        else
+            delete year;
+    };
+    if (!run.from.IsEmpty()) {
+        CXMLVar* year = CTyear(rules, run.from, run.to, run.FY1, fydays, totaldays, 1, run.yearBlock1, run.Profit,
+                               run.portion1, run.rate1, run.BasicProfit, run.relief, associates1, run.days,
+                               run.reliefRows, 0.0, run.type);
+        run.tax1 = taxOf(year);
+        adopt(year);
+        run.taxRows.AppendFormat("<tr><td>%d</td><td align=right>%.2f</td></tr>", run.FY1, run.tax1);
+    }
+    if (!run.to.IsEmpty() && run.FY1 != FinancialYear(run.to)) {
+        CXMLVar* year = CTyear(rules, run.from, run.to, run.FY2, fydays, totaldays, 0, run.yearBlock2, run.Profit,
+                               run.portion2, run.rate2, run.BasicProfit, run.relief, associates2, run.days,
+                               run.reliefRows, run.portion1, run.type);
+        run.tax2 = taxOf(year);
+        adopt(year);
+        run.taxRows.AppendFormat("<tr><td>%d</td><td align=right>%.2f</td></tr>", run.FY2, run.tax2);
+    }
+}
+
+void SettleTotals(ChargeRun& run, CXMLVar& root) {
+    run.gross = run.tax2 + run.tax1;
+    run.net = run.gross - run.relief;
+    run.straddle = run.FY1 == 2005 && run.FY2 == 2006;
+    // Across 1 April 2006 the rate is worked on the first year alone, with the
+    // whole relief set against it, to the nearest penny.
+    const double divisor = run.straddle ? run.portion1 : run.BasicProfit;
+    // With nothing apportioned there is no rate to work out, and so no
+    // profit for distributions to be matched to.
+    run.effectiveKnown = divisor != 0;
+    if (!run.effectiveKnown)
+        run.effective = 0;
+    else if (run.straddle)
+        run.effective = roundpenny((run.tax1 - run.relief) * 100 / divisor);
+    else
+        run.effective = roundpennydown(run.net * 100 / divisor);
+    root.AddChild("TotalBeforeMRR", fmt2(run.gross));
+    root.AddChild("TotalMRR", fmt2(run.relief));
+    root.AddChild("TotalAfterMRR", fmt2(run.net));
+    root.AddChild("TotalBeforeNCD", fmt2(run.net));
+    run.chargeable = run.net;
+}
+
+void MatchDistributions(ChargeRun& run, CXMLVar& root) {
+    if (!run.effectiveKnown || !(run.effective < kNcdRate) || !(run.ncd > 0)) return;
+    run.matched = true;
+    CXMLVar* ncds = root.AddChild(new CXMLVar("NCDs"));
+    if (run.straddle)
+        run.effectiveWorking.Format("(%.2f / %.2f)", run.tax1 - run.relief, run.portion1);
+    else
+        run.effectiveWorking.Format("(%.2f / %.2f)", run.net, run.BasicProfit);
+    run.ncdTax = roundpenny(run.ncd * 0.19);
+    run.remaining = (run.straddle ? run.portion1 : run.BasicProfit) - run.ncd;
+    if (run.ncd <= 0.01) return;
+
+    run.distributionsTaxed = true;
+    // Distributions above the profit leave a negative remainder, taxed as such.
+    run.nonNcdTax = roundpenny(run.effective * run.remaining * 0.01);
+    ncds->AddChild("ncd", fmt2(run.ncd));
+    ncds->AddChild("ncdrate", fmt2(kNcdRate));
+    ncds->AddChild("effectiverate", fmt2(run.effective));
+    ncds->AddChild("ncdtax", fmt2(run.ncdTax));
+    if (run.straddle) run.chargeable = run.ncdTax + run.nonNcdTax + run.tax2;
+    ncds->AddChild("nonncd", fmt2(run.remaining));
+    ncds->AddChild("nonncd_tax", fmt2(run.nonNcdTax));
+    // Outside the straddle the matching can raise the tax, never lower it.
+    if (!run.straddle && run.ncdTax + run.nonNcdTax > run.chargeable) run.chargeable = run.ncdTax + run.nonNcdTax;
+}
+
+CString ChargeReportHtml(const ChargeRun& run) {
+    CString out;
+    if (!run.periodMessage.IsEmpty()) out += "<H2>" + run.periodMessage + "</H2>";
+    out += "<H1>Corporation tax chargeable</H1>";
+    out += run.yearBlock1;
+    out += "<BR/>";
+    out += run.yearBlock2;
+    out += "<BR/>";
+    out += "<H2>Totals</H2><table><tr><td><b>Tax</b></td></tr>";
+    out += run.taxRows;
+    out += kEqualsRow;
+    out += "<tr><td/><td align=right>" + fmt2(run.gross) + "</td></tr>";
+    if (run.relief != 0) {
+        out += "<tr><td><b>Marginal relief</b></td></tr>";
+        out += run.reliefRows;
+        out += kEqualsRow;
+        out += "<tr><td/><td align=right>" + fmt2(run.relief) + "</td></tr>";
+    }
+    if (run.matched) amountRow(out, "effective rate " + run.effectiveWorking, run.effective);
+    if (run.distributionsTaxed) {
+        amountRow(out,
+                  FormatString("tax on non-corporate distributions matched to profits (%.2f @ %.2f%%)", run.ncd,
+                               kNcdRate),
+                  run.ncdTax);
+        amountRow(out, FormatString("tax on remaining profits (%.5f @ %.5f%%)", run.remaining, run.effective),
+                  run.nonNcdTax);
+    }
+    out += "<tr><td/><td/></tr>";
+    out += "<tr><td><b>Tax Chargeable</b></td><td align=right>" + fmt2(run.chargeable) + "</td></tr>";
+    out += "</table>";
+    return out;
+}
+
+void SaveChargeTree(CXMLVar& root, CMapStringToString& results) {
+    CString text;
+    root.Save(text, 1);
+    results["xml/CT/CTchargeable"] = text;
+    // The file is what the suite shows, so it names its style sheet; the text
+    // in the results is data and goes without.
+    root.AddStyle(GetFormatsDir() + "\\ctcharge.xsl");
+    std::ofstream file = OpenTempFile("ctcharge.xml");
+    root.Save(file, 1, 0, 0);
+}

@@ -1,0 +1,85 @@
+// The pieces the liability drivers are assembled from. Each generation's
+// driver reads its own box keys and writes its own result keys; the working in
+// between (years, totals, distributions, report and tree) is shared.
+#pragma once
+
+#include <fstream>
+
+#include "liability/liability.h"
+
+// Rate on non-corporate distributions matched to profits.
+inline constexpr double kNcdRate = 19.0;
+
+// The working of one run of a driver.
+struct ChargeRun {
+    // read from the box map
+    double BasicProfit = 0;  // apportioned and taxed
+    double OtherProfit = 0;
+    double Profit = 0;       // tested against the limits
+    CString from, to;
+    int type = kOrdinaryCompany;
+    double ncd = 0;          // non-corporate distributions
+
+    // the financial years
+    int days = 0;
+    int FY1 = 0, FY2 = 0;
+    double portion1 = 0, portion2 = 0;
+    double rate1 = 0, rate2 = 0;
+    double tax1 = 0, tax2 = 0;  // as read back from the year's two-decimal Tax
+    double relief = 0;
+
+    // totals
+    double gross = 0, net = 0, chargeable = 0;
+    double effective = 0;
+    bool effectiveKnown = false;  // false when there is no profit to divide by
+    bool straddle = false;        // FY1 2005 and FY2 2006
+
+    // the matching of distributions
+    bool matched = false;           // the matching ran
+    bool distributionsTaxed = false;  // and the distributions were above 0.01
+    CString effectiveWorking;
+    double ncdTax = 0, remaining = 0, nonNcdTax = 0;
+
+    // report texts built up on the way
+    CString periodMessage;
+    CString yearBlock1, yearBlock2, taxRows, reliefRows;
+};
+
+// The whole of calc.htm where there is no profit, less its line end.
+inline constexpr const char* kNoProfitLine = "x no profit";
+
+// Company type from co_type, forced to the standard rate by forcestandardrate;
+// label receives the report's name for the type (from co_type alone).
+int CompanyType(CMapStringToString& boxes, CString& label);
+
+// name, year and ref of the return.
+void AddReturnDetails(CXMLVar& root, CMapStringToString& boxes);
+// Type, BasicProfit, OtherProfit and Profit.
+void AddProfitFigures(CXMLVar& root, const char* typeLabel, const ChargeRun& run);
+
+// A file in the temporary folder, opened for output and emptied. A file that
+// can't be opened takes no output and stops nothing.
+std::ofstream OpenTempFile(const char* fileName);
+
+// A period above 366 days is shown to the user and put in the report; the
+// run goes on.
+void CheckPeriodLength(ChargeRun& run, const char* message);
+
+// The first year (when from is given) and the second (when to is given and
+// falls in another financial year), with their tax rows. Year nodes go to
+// root, or are dropped when root is null.
+void ChargeYears(ChargeRun& run, CXMLVar* root, const YearRules& rules, int associates1, int associates2);
+
+// Gross tax, relief, net and the effective rate; TotalBeforeMRR to
+// TotalBeforeNCD. The tax chargeable starts as net.
+void SettleTotals(ChargeRun& run, CXMLVar& root);
+
+// Matching of non-corporate distributions, when the effective rate is below
+// the distribution rate and there are distributions. Can raise the tax.
+void MatchDistributions(ChargeRun& run, CXMLVar& root);
+
+// calc.htm for a run with profit.
+CString ChargeReportHtml(const ChargeRun& run);
+
+// The tree as text under "xml/CT/CTchargeable" in results, and as ctcharge.xml.
+void SaveChargeTree(CXMLVar& root, CMapStringToString& results);

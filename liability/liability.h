@@ -1,0 +1,79 @@
+// The liability engine: corporation tax rates and limits by financial year,
+// the split of a return period at 31 March, marginal relief, and the
+// third-generation driver that turns the profit boxes into the tax chargeable.
+#pragma once
+
+#include "common/xmlvar.h"
+#include "platform/collections.h"
+#include "platform/cstring.h"
+#include "platform/ctime.h"
+
+// ---- company types, as CTrate takes them
+inline constexpr int kOrdinaryCompany = 0;
+inline constexpr int kOpenEndedInvestmentTrust = 1;  // co_type 1: flat 20%
+inline constexpr int kStandardRateCompany = 2;       // co_type 2, or forcestandardrate
+inline constexpr int kStandardRateCompanyToo = 3;    // charged as type 2
+
+// ---- rates and thresholds
+
+// The rate of corporation tax (a percentage) for one financial year. Works out
+// the starting rate relief (msrr) and small companies relief (mscr) for the
+// whole period where a band holds; the caller zeroes both first. text and
+// margintext receive the report wording of the rate and of the relief; node,
+// when given, receives the Reductions, MSRR and MSCR elements of the report.
+double CTrate(int year, double Profit, double BasicProfit, double& msrr, double& mscr, CString& text,
+              CString& margintext, int associates, int days, CXMLVar* node, int type);
+
+// Scales a limit by numerator/denominator, truncating, and reports the change.
+// A limit of 0 is left alone without a word; a denominator of 0 counts as 1.
+void ReduceThreshold(int& limit, int numerator, int denominator, CString& text, CXMLVar* node = nullptr);
+
+// A new element holding Numerator, Denominator and the whole Percent.
+CXMLVar* FractionNode(const char* name, int numerator, int denominator);
+
+// ---- dates
+
+// The calendar year in which the financial year of the date begins (1 April).
+// 0 for a text that is no date.
+int FinancialYear(const char* date);
+// Whole days from a to b, robust against an hour either way.
+int DaySpan(const CTime& a, const CTime& b);
+// DaySpan of two text dates; the ends are not both counted.
+int DaysBetween(const char* from, const char* to);
+// A real day of the calendar, years 1 to 9999, in a form ParseDate reads.
+bool IsCalendarDate(const char* date);
+
+// ---- one financial year's slice of a return period
+
+// What sets one generation's slice apart from the third generation's.
+struct YearRules {
+    // A period of 0 days is apportioned over 1 day: the second-generation
+    // driver goes on with a missing date, and the denominator must not be 0.
+    bool zeroDaysAsOne = false;
+};
+inline constexpr YearRules kYearRules16{false};
+inline constexpr YearRules kYearRules05{true};
+
+// The slice of the first (first non-zero) or second financial year of the
+// period from..to: days, share of BasicProfit, rate, tax and relief share.
+// html and reliefrows are appended to, relief is added to. Returns the year's
+// report element FY1 or FY2, which the caller adopts with AddChild.
+CXMLVar* CTyear(const YearRules& rules, const char* from, const char* to, int& fy, int& fydays, int& totaldays,
+                int first, CString& html, double Profit, double& portion, double& rate, double BasicProfit,
+                double& relief, int associates, int days, CString& reliefrows, double fy1portion, int type);
+
+CXMLVar* CTyear_16(const char* from, const char* to, int& fy, int& fydays, int& totaldays, int first, CString& html,
+                   double Profit, double& portion, double& rate, double BasicProfit, double& relief, int associates,
+                   int days, CString& reliefrows, double fy1portion, int type);
+CXMLVar* CTyear_05(const char* from, const char* to, int& fy, int& fydays, int& totaldays, int first, CString& html,
+                   double Profit, double& portion, double& rate, double BasicProfit, double& relief, int associates,
+                   int days, CString& reliefrows, double fy1portion, int type);
+
+// ---- drivers
+
+// Third generation: reads Q315, Q38, Q67, from, to, co_type and
+// forcestandardrate from the box map (keys under prefix where they are
+// boxes), leaves Q330..Q390, Q70, the emptied boxes and
+// "xml/CT/CTchargeable" in results, and writes calc.htm and ctcharge.xml to
+// the temporary folder.
+void CTcharge_16(CMapStringToString* boxes, CString prefix, CMapStringToString* results);

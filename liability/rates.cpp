@@ -1,0 +1,176 @@
+// Corporation tax rates, limits and marginal relief fractions by financial year.
+#include <climits>
+#include <cstdint>
+#include <initializer_list>
+#include <optional>
+
+#include "common/library.h"
+#include "liability/liability.h"
+
+namespace {
+
+struct Fraction {
+    int numerator;
+    int denominator;
+};
+
+struct LadderRow {
+    int firstYear;  // the row holds from this year until the next row's
+    double startingRate, smallRate, mainRate;
+    int startingLower, startingUpper, smallLower, smallUpper;
+    std::optional<Fraction> msrr;  // starting rate relief; none once that band closed
+    Fraction mscr;                 // small companies relief
+};
+
+constexpr std::optional<Fraction> kNoMsrr = std::nullopt;
+
+// The first row also covers every earlier year and the last every later one.
+// Fractions keep their published form (3/200, 0/100): the report shows them.
+constexpr LadderRow kFullLadder[] = {
+    {INT_MIN, 0, 21, 31, 0, 0, 300000, 1500000, Fraction{1, 40}, {1, 40}},
+    {1999, 0, 20, 30, 0, 0, 300000, 1500000, Fraction{1, 40}, {1, 40}},
+    {2000, 10, 20, 30, 10000, 50000, 300000, 1500000, Fraction{1, 40}, {1, 40}},
+    {2002, 0, 19, 30, 10000, 50000, 300000, 1500000, Fraction{19, 400}, {11, 400}},
+    {2006, 0, 19, 30, 0, 50000, 300000, 1500000, kNoMsrr, {11, 400}},
+    {2007, 0, 20, 30, 0, 50000, 300000, 1500000, kNoMsrr, {1, 40}},
+    {2008, 0, 21, 28, 0, 50000, 300000, 1500000, kNoMsrr, {7, 400}},
+    {2011, 0, 20, 26, 0, 50000, 300000, 1500000, kNoMsrr, {3, 200}},
+    {2012, 0, 20, 24, 0, 50000, 300000, 1500000, kNoMsrr, {1, 100}},
+    {2013, 0, 20, 23, 0, 50000, 300000, 1500000, kNoMsrr, {3, 400}},
+    {2014, 0, 20, 21, 0, 50000, 300000, 1500000, kNoMsrr, {1, 400}},
+    {2015, 0, 20, 20, 0, 50000, 300000, 1500000, kNoMsrr, {0, 100}},
+    {2017, 0, 19, 19, 0, 50000, 300000, 1500000, kNoMsrr, {0, 100}},
+};
+
+struct StandardRow {
+    int firstYear;
+    double rate;
+};
+
+// Companies charged at the main rate whatever their profit. No 31% step here.
+constexpr StandardRow kStandardLadder[] = {
+    {INT_MIN, 30}, {2008, 28}, {2011, 26}, {2012, 24}, {2013, 23}, {2014, 21}, {2015, 20}, {2017, 19},
+};
+
+constexpr double kOpenEndedInvestmentTrustRate = 20.0;
+
+template <typename Row, std::size_t N>
+const Row& rowFor(const Row (&ladder)[N], int year) {
+    const Row* found = &ladder[0];
+    for (const Row& row : ladder)
+        if (row.firstYear <= year) found = &row;
+    return *found;
+}
+
+int clampToInt(std::int64_t value) {
+    if (value > INT_MAX) return INT_MAX;
+    if (value < INT_MIN) return INT_MIN;
+    return static_cast<int>(value);
+}
+
+// (upper - Profit) x BasicProfit / Profit x F, left to right.
+double reliefAmount(int upper, double Profit, double BasicProfit, Fraction fraction) {
+    if (Profit == 0) return 0.0;
+    const double f = static_cast<double>(fraction.numerator) / (fraction.denominator ? fraction.denominator : 1);
+    return (upper - Profit) * BasicProfit / Profit * f;
+}
+
+void reportRelief(const char* name, int upper, double Profit, double BasicProfit, Fraction fraction, double amount,
+                  CString& margintext, CXMLVar* node) {
+    const bool apportioned = BasicProfit != Profit;
+    if (node) {
+        CXMLVar* child = node->GetChild(name);
+        child->AddChild(FractionNode("Fraction", fraction.numerator, fraction.denominator));
+        child->AddChild("M", fmt2(upper));
+        child->AddChild("P", fmt2(Profit));
+        if (apportioned) child->AddChild("I", fmt2(BasicProfit));
+    }
+    const double n = fraction.numerator, d = fraction.denominator;
+    if (apportioned)
+        margintext.AppendFormat("(%.0f-%.0f) x (%.0f / %.0f) x (%.0f / %.0f) = %.2f<BR>\n", double(upper), Profit,
+                                BasicProfit, Profit, n, d, amount);
+    else if (CString(name) == "MSRR")
+        margintext.AppendFormat("(%.0f-%.0f) x (%.0f / %.0f) = %.2f<BR>\n", double(upper), Profit, n, d, amount);
+    else
+        margintext.AppendFormat("(%.0f-%.0f) x  (%.0f / %.0f) = %.2f<BR>\n", double(upper), Profit, n, d, amount);
+}
+
+}  // namespace
+
+void ReduceThreshold(int& limit, int numerator, int denominator, CString& text, CXMLVar* node) {
+    if (limit == 0) return;
+    if (denominator == 0) denominator = 1;
+    CXMLVar* reduction = node ? node->AddChild(new CXMLVar("Reduction")) : nullptr;
+    text.AppendFormat("%d threshhold ", limit);
+    if (reduction) reduction->SetAttr("from", limit);
+    limit = clampToInt(static_cast<std::int64_t>(limit) * numerator / denominator);
+    if (reduction) reduction->SetAttr("to", limit);
+    text.AppendFormat("reduced to %d<br>", limit);
+}
+
+CXMLVar* FractionNode(const char* name, int numerator, int denominator) {
+    if (denominator == 0) denominator = 1;
+    auto* node = new CXMLVar(CString(name));
+    node->AddChild("Numerator", fmt(numerator));
+    node->AddChild("Denominator", fmt(denominator));
+    node->AddChild("Percent", fmt(clampToInt(static_cast<std::int64_t>(numerator) * 100 / denominator)));
+    return node;
+}
+
+double CTrate(int year, double Profit, double BasicProfit, double& msrr, double& mscr, CString& text,
+              CString& margintext, int associates, int days, CXMLVar* node, int type) {
+    text.Empty();
+    margintext.Empty();
+    if (type == kOpenEndedInvestmentTrust) {
+        text += "<b>Open Ended Investment Trust</b><br/>";
+        return kOpenEndedInvestmentTrustRate;
+    }
+    if (type == kStandardRateCompany || type == kStandardRateCompanyToo) {
+        text += "<b>Standard Rate of Tax</b><br/>";
+        // Only this ladder widens a two-digit year; the year slice always
+        // hands over four digits, so the two ladders agree in practice.
+        const double rate = rowFor(kStandardLadder, yyyy(year)).rate;
+        DoLogF("CTrate(ty=%d) - rate %f", year, rate);
+        return rate;
+    }
+
+    const LadderRow& row = rowFor(kFullLadder, year);
+    int startingLower = row.startingLower, startingUpper = row.startingUpper;
+    int smallLower = row.smallLower, smallUpper = row.smallUpper;
+
+    // Limits are shared between associated companies and scaled down for a
+    // short period, the second pass working on the first's truncated result.
+    auto reduceLimits = [&](const CString& label, int numerator, int denominator) {
+        text += "<br>";
+        text += "<b>";
+        text += label;
+        text += "</b><br>";
+        CXMLVar* reductions = nullptr;
+        if (node) {
+            reductions = node->AddChild(new CXMLVar("Reductions"));
+            reductions->SetAttr("desc", label);
+        }
+        for (int* limit : {&startingLower, &smallLower, &startingUpper, &smallUpper})
+            ReduceThreshold(*limit, numerator, denominator, text, reductions);
+        text += "<br>";
+    };
+    if (associates > 0)
+        reduceLimits(FormatString("%d associated companies", associates), 1,
+                     associates < INT_MAX ? associates + 1 : INT_MAX);
+    // A year of 366 days raises nothing: only periods short of 365 days scale.
+    if (days < 365) reduceLimits(FormatString("<b>short accounting period - %d days", days), days, 365);
+
+    double rate = row.startingRate;
+    if (Profit > startingLower) rate = row.smallRate;
+    if (Profit > smallLower || BasicProfit == 0) rate = row.mainRate;
+
+    if (row.msrr && startingUpper > 0 && startingLower < Profit && Profit <= startingUpper) {
+        msrr = reliefAmount(startingUpper, Profit, BasicProfit, *row.msrr);
+        if (msrr > 0) reportRelief("MSRR", startingUpper, Profit, BasicProfit, *row.msrr, msrr, margintext, node);
+    }
+    if (smallLower < Profit && Profit <= smallUpper) {
+        mscr = reliefAmount(smallUpper, Profit, BasicProfit, row.mscr);
+        if (mscr > 0) reportRelief("MSCR", smallUpper, Profit, BasicProfit, row.mscr, mscr, margintext, node);
+    }
+    return rate;
+}

@@ -1,0 +1,165 @@
+// Financial years and the slice of a return period that falls in one of them.
+#include <climits>
+#include <cstdint>
+
+#include "common/library.h"
+#include "liability/liability.h"
+
+namespace {
+
+constexpr const char* kDayFormat = "%d/%m/%Y";
+
+// Years this far out are garbage anyway; the bound keeps year arithmetic
+// (year - 1, fy + 1) clear of overflow.
+constexpr int kYearBound = 1000000;
+
+int clampToInt(std::int64_t value) {
+    if (value > INT_MAX) return INT_MAX;
+    if (value < INT_MIN) return INT_MIN;
+    return static_cast<int>(value);
+}
+
+// ParseDate with the year widened, as AtoT reads a date. A text that is no
+// date gives zeros, and so some day long ago: the caller gets figures, never
+// a crash, and the return's own date checks report the text.
+bool splitDate(const char* text, int& year, int& month, int& day) {
+    year = month = day = 0;
+    if (!text || !ParseDate(text, year, month, day)) {
+        year = month = day = 0;
+        return false;
+    }
+    year = yyyy(year);
+    if (year > kYearBound) year = kYearBound;
+    if (year < -kYearBound) year = -kYearBound;
+    return true;
+}
+
+CTime noon(int year, int month, int day) { return CTime(year, month, day, 12, 0, 0, -1); }
+
+}  // namespace
+
+int FinancialYear(const char* date) {
+    int year, month, day;
+    if (!splitDate(date, year, month, day)) return 0;
+    return month < 4 ? year - 1 : year;
+}
+
+int DaySpan(const CTime& a, const CTime& b) {
+    // Whole hours, then ten hours' slack, so a clock change between two noons
+    // still gives whole days.
+    const std::int64_t hours = (b - a).GetTotalSeconds() / 3600;
+    return clampToInt((hours + 10) / 24);
+}
+
+int DaysBetween(const char* from, const char* to) {
+    int y1, m1, d1, y2, m2, d2;
+    splitDate(from, y1, m1, d1);
+    splitDate(to, y2, m2, d2);
+    return DaySpan(noon(y1, m1, d1), noon(y2, m2, d2));
+}
+
+bool IsCalendarDate(const char* date) {
+    int year, month, day;
+    if (!splitDate(date, year, month, day)) return false;
+    if (year < 1 || year > 9999 || month < 1 || month > 12 || day < 1) return false;
+    // The day must survive a round trip through the time line: 31/02 doesn't.
+    const CTime t = noon(year, month, day);
+    return t.GetDay() == day && t.GetMonth() == month;
+}
+
+CXMLVar* CTyear(const YearRules& rules, const char* from, const char* to, int& fy, int& fydays, int& totaldays,
+                int first, CString& html, double Profit, double& portion, double& rate, double BasicProfit,
+                double& relief, int associates, int days, CString& reliefrows, double fy1portion, int type) {
+    int year, month, day;
+    splitDate(first ? from : to, year, month, day);
+
+    auto* node = new CXMLVar(first ? "FY1" : "FY2");
+    node->SetAttr("fy", node->name);
+
+    fy = month < 4 ? year - 1 : year;
+    const CTime yearStart = noon(fy, 4, 1), yearEnd = noon(fy + 1, 3, 31);
+    const CTime dated = noon(year, month, day);
+
+    // The first year runs from the start of the period to 31 March or the
+    // period's end; the second from 1 April to the period's end.
+    CTime sliceStart = yearStart, sliceEnd = dated;
+    if (first) {
+        sliceStart = dated;
+        sliceEnd = yearEnd;
+        if (to && *to) {
+            int y, m, d;
+            splitDate(to, y, m, d);
+            const CTime end = noon(y, m, d);
+            if (end < yearEnd) sliceEnd = end;
+        }
+    }
+    node->AddChild("Year", fmt(fy));
+    node->AddChild("From", sliceStart.Format(kDayFormat));
+    node->AddChild("To", sliceEnd.Format(kDayFormat));
+
+    fydays = clampToInt(static_cast<std::int64_t>(DaySpan(sliceStart, sliceEnd)) + 1);
+    html.AppendFormat("<H2>Financial year %d</H2>", fy);
+    html += sliceStart.Format(kDayFormat);
+    html += " - ";
+    html += sliceEnd.Format(kDayFormat);
+    html.AppendFormat(" = %d days", fydays);
+    html += "<BR>";
+
+    // The denominator is the whole period, leap day included, never 365.
+    totaldays = (rules.zeroDaysAsOne && days == 0) ? 1 : days;
+    node->AddChild(FractionNode("Fraction", fydays, totaldays));
+
+    // The second year takes the remainder, so the portions add up to the
+    // profit to the penny. A 0 denominator only reaches here by a direct call.
+    if (first)
+        portion = totaldays ? roundnearest(fydays * BasicProfit / totaldays) : 0.0;
+    else
+        portion = BasicProfit - fy1portion;
+    node->AddChild("Portion", fmt2(portion));
+
+    // Limits are tested on the whole period's profit and days, not the slice's.
+    double msrr = 0, mscr = 0;
+    CString rateText, reliefText;
+    rate = CTrate(fy, Profit, BasicProfit, msrr, mscr, rateText, reliefText, associates, days, node, type);
+    node->AddChild("Rate", fmt2(rate));
+
+    html += rateText;
+    html += "<B>Chargeable profit</B><BR>";
+    html.AppendFormat("%d/%d x %.0f = %.0f<BR>", fydays, totaldays, BasicProfit, portion);
+    const double tax = roundpenny(rate * 0.01 * portion);
+    html.AppendFormat("%.0f @ %.0f%% = %.2f<BR>", portion, rate, tax);
+    html += "<BR>";
+
+    const double M = mscr + msrr;
+    if (M > 0) {
+        const double share = totaldays ? fydays * M / totaldays : 0.0;
+        const bool starting = msrr > 0;
+        html += "<b>Marginal ";
+        html += starting ? "Starting Rate" : "Small companies";
+        html += " relief</b><br>";
+        html += reliefText;
+        html.AppendFormat("%d/%d x %.2f = %.2f<BR>\n", fydays, totaldays, M, share);
+        reliefrows.AppendFormat("<tr><td>%d</td><td align=right>%.2f</td></tr>", fy, share);
+        relief += roundpennydown(share);
+        CXMLVar* band = node->GetChild(starting ? "MSRR" : "MSCR");
+        band->AddChild("m1", fmt2(M));
+        band->AddChild("m2", fmt2(share));
+        band->AddChild("m3", fmt2(share));
+    }
+    node->AddChild("Tax", fmt2(tax));
+    return node;
+}
+
+CXMLVar* CTyear_16(const char* from, const char* to, int& fy, int& fydays, int& totaldays, int first, CString& html,
+                   double Profit, double& portion, double& rate, double BasicProfit, double& relief, int associates,
+                   int days, CString& reliefrows, double fy1portion, int type) {
+    return CTyear(kYearRules16, from, to, fy, fydays, totaldays, first, html, Profit, portion, rate, BasicProfit,
+                  relief, associates, days, reliefrows, fy1portion, type);
+}
+
+CXMLVar* CTyear_05(const char* from, const char* to, int& fy, int& fydays, int& totaldays, int first, CString& html,
+                   double Profit, double& portion, double& rate, double BasicProfit, double& relief, int associates,
+                   int days, CString& reliefrows, double fy1portion, int type) {
+    return CTyear(kYearRules05, from, to, fy, fydays, totaldays, first, html, Profit, portion, rate, BasicProfit,
+                  relief, associates, days, reliefrows, fy1portion, type);
+}

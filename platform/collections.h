@@ -1,0 +1,111 @@
+// The containers the calculators, rules and hosts share: a string map with the
+// creating operator[], a string array, and lists/arrays of object pointers.
+// POSITION is an opaque cursor, as the callers only test it for null.
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <vector>
+
+#include "platform/cstring.h"
+
+struct PositionTag;
+using POSITION = PositionTag*;
+
+// Root of the objects that CObList and CObArray hold.
+class CObject {
+public:
+    virtual ~CObject() = default;
+};
+
+// Map from text to text. Iteration runs in key order, which makes output
+// reproducible; callers must not rely on any order all the same.
+class CMapStringToString {
+public:
+    using Storage = std::map<CString, CString, std::less<>>;
+
+    explicit CMapStringToString(int blockSize = 10) { (void)blockSize; }
+
+    // Creates an empty entry when the key is missing: callers rely on this.
+    CString& operator[](const char* key) { return map_[CString(key)]; }
+    CString& operator[](const CString& key) { return map_[key]; }
+
+    bool Lookup(const char* key, CString& value) const;
+    // Pointer to the stored value, or null; adds nothing.
+    const CString* PLookup(const char* key) const;
+    void SetAt(const char* key, const char* value) { map_[CString(key)] = value; }
+    bool RemoveKey(const char* key);
+    void RemoveAll() noexcept { map_.clear(); }
+
+    int GetCount() const noexcept { return static_cast<int>(map_.size()); }
+    int GetSize() const noexcept { return GetCount(); }
+    bool IsEmpty() const noexcept { return map_.empty(); }
+
+    POSITION GetStartPosition() const noexcept;
+    // Returns the entry at pos and moves pos on; null after the last entry.
+    void GetNextAssoc(POSITION& pos, CString& key, CString& value) const;
+
+    const Storage& items() const noexcept { return map_; }
+
+private:
+    Storage map_;
+};
+
+class CStringArray {
+public:
+    int GetSize() const noexcept { return static_cast<int>(items_.size()); }
+    int GetCount() const noexcept { return GetSize(); }
+    bool IsEmpty() const noexcept { return items_.empty(); }
+    const CString& GetAt(int i) const { return items_.at(static_cast<std::size_t>(i)); }
+    CString& ElementAt(int i) { return items_.at(static_cast<std::size_t>(i)); }
+    const CString& operator[](int i) const { return GetAt(i); }
+    CString& operator[](int i) { return ElementAt(i); }
+    // Sets index i, growing the array with empty strings as needed.
+    void SetAtGrow(int i, const CString& text);
+    int Add(const CString& text) { items_.push_back(text); return GetSize() - 1; }
+    void RemoveAll() noexcept { items_.clear(); }
+
+    auto begin() const noexcept { return items_.begin(); }
+    auto end() const noexcept { return items_.end(); }
+
+private:
+    std::vector<CString> items_;
+};
+
+using CStringList = CStringArray;
+
+// List of object pointers. It does not own what it holds.
+class CObList {
+public:
+    explicit CObList(int blockSize = 10) { (void)blockSize; }
+
+    POSITION AddTail(CObject* item);
+    POSITION GetHeadPosition() const noexcept;
+    // Returns the item at pos and moves pos on; null after the last item.
+    CObject* GetNext(POSITION& pos) const;
+    int GetCount() const noexcept { return static_cast<int>(items_.size()); }
+    bool IsEmpty() const noexcept { return items_.empty(); }
+    void RemoveAll() noexcept { items_.clear(); }
+
+    auto begin() const noexcept { return items_.begin(); }
+    auto end() const noexcept { return items_.end(); }
+
+private:
+    std::vector<CObject*> items_;
+};
+
+// Array of object pointers. It does not own what it holds.
+class CObArray {
+public:
+    int GetSize() const noexcept { return static_cast<int>(items_.size()); }
+    CObject* GetAt(int i) const { return items_.at(static_cast<std::size_t>(i)); }
+    CObject* operator[](int i) const { return GetAt(i); }
+    void SetAtGrow(int i, CObject* item);
+    // newSize 0 empties the array; the grow-by argument is accepted for form.
+    void SetSize(int newSize, int growBy = -1);
+    int Add(CObject* item) { items_.push_back(item); return GetSize() - 1; }
+    void RemoveAll() noexcept { items_.clear(); }
+
+private:
+    std::vector<CObject*> items_;
+};

@@ -1,0 +1,147 @@
+#include "platform/cstring.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <cstring>
+
+void CString::FormatV(const char* format, va_list args) {
+    s_.clear();
+    if (!format) return;
+    va_list copy;
+    va_copy(copy, args);
+    char small[256];
+    int needed = std::vsnprintf(small, sizeof small, format, copy);
+    va_end(copy);
+    if (needed < 0) return;
+    if (static_cast<std::size_t>(needed) < sizeof small) {
+        s_.assign(small, static_cast<std::size_t>(needed));
+        return;
+    }
+    s_.resize(static_cast<std::size_t>(needed) + 1);
+    std::vsnprintf(s_.data(), s_.size(), format, args);
+    s_.resize(static_cast<std::size_t>(needed));
+}
+
+void CString::Format(const char* format, ...) {
+    va_list args;
+    va_start(args, format);
+    FormatV(format, args);
+    va_end(args);
+}
+
+void CString::AppendFormat(const char* format, ...) {
+    CString tail;
+    va_list args;
+    va_start(args, format);
+    tail.FormatV(format, args);
+    va_end(args);
+    s_ += tail.s_;
+}
+
+CString FormatString(const char* format, ...) {
+    CString out;
+    va_list args;
+    va_start(args, format);
+    out.FormatV(format, args);
+    va_end(args);
+    return out;
+}
+
+namespace {
+std::size_t clampCount(int count, std::size_t size) {
+    if (count <= 0) return 0;
+    return std::min(static_cast<std::size_t>(count), size);
+}
+}  // namespace
+
+CString CString::Left(int count) const { return CString(s_.substr(0, clampCount(count, s_.size()))); }
+
+CString CString::Right(int count) const {
+    std::size_t n = clampCount(count, s_.size());
+    return CString(s_.substr(s_.size() - n));
+}
+
+CString CString::Mid(int first) const {
+    std::size_t start = clampCount(first, s_.size());
+    return CString(s_.substr(start));
+}
+
+CString CString::Mid(int first, int count) const {
+    std::size_t start = clampCount(first, s_.size());
+    return CString(s_.substr(start, clampCount(count, s_.size() - start)));
+}
+
+int CString::Find(char c, int start) const noexcept {
+    if (start < 0) start = 0;
+    std::size_t pos = s_.find(c, static_cast<std::size_t>(start));
+    return pos == std::string::npos ? -1 : static_cast<int>(pos);
+}
+
+int CString::Find(const char* sub, int start) const noexcept {
+    if (!sub) return -1;
+    if (start < 0) start = 0;
+    if (static_cast<std::size_t>(start) > s_.size()) return -1;
+    std::size_t pos = s_.find(sub, static_cast<std::size_t>(start));
+    return pos == std::string::npos ? -1 : static_cast<int>(pos);
+}
+
+int CString::ReverseFind(char c) const noexcept {
+    std::size_t pos = s_.rfind(c);
+    return pos == std::string::npos ? -1 : static_cast<int>(pos);
+}
+
+int CString::Replace(const char* from, const char* to) {
+    if (!from || !*from) return 0;
+    std::string_view f(from);
+    std::string_view t(to ? to : "");
+    int count = 0;
+    std::string out;
+    std::size_t pos = 0;
+    for (;;) {
+        std::size_t hit = s_.find(f, pos);
+        if (hit == std::string::npos) break;
+        out.append(s_, pos, hit - pos);
+        out.append(t);
+        pos = hit + f.size();
+        ++count;
+    }
+    if (count) {
+        out.append(s_, pos, std::string::npos);
+        s_ = std::move(out);
+    }
+    return count;
+}
+
+int CString::Replace(char from, char to) {
+    int count = 0;
+    for (char& c : s_)
+        if (c == from) { c = to; ++count; }
+    return count;
+}
+
+namespace {
+bool isSpace(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
+}  // namespace
+
+CString& CString::TrimRight() {
+    while (!s_.empty() && isSpace(s_.back())) s_.pop_back();
+    return *this;
+}
+
+CString& CString::TrimLeft() {
+    std::size_t i = 0;
+    while (i < s_.size() && isSpace(s_[i])) ++i;
+    s_.erase(0, i);
+    return *this;
+}
+
+CString& CString::MakeLower() {
+    for (char& c : s_) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return *this;
+}
+
+CString& CString::MakeUpper() {
+    for (char& c : s_) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    return *this;
+}

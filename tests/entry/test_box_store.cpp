@@ -1,0 +1,198 @@
+// The reading and writing rules of the box store, on a small calculator whose
+// Calc runs whatever the test hands it.
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "entry/calcbase.h"
+
+namespace {
+
+class ScriptCalc : public CBaseCalc {
+public:
+    std::function<void(ScriptCalc&)> script;
+    void Calc() override {
+        if (script) script(*this);
+    }
+};
+
+void quietErrors(const CObList&, const CStringList*, void*) {}
+
+class BoxStore : public testing::Test {
+protected:
+    void SetUp() override { SetErrorSink(quietErrors, nullptr); }
+    void TearDown() override { SetErrorSink(nullptr, nullptr); }
+
+    // Runs the script over the boxes with the prefix; returns the result map.
+    CMapStringToString run(CMapStringToString& boxes, const char* prefix, std::function<void(ScriptCalc&)> script) {
+        ScriptCalc calc;
+        calc.script = std::move(script);
+        CString p(prefix);
+        CMapStringToString out;
+        Helper(&calc, &boxes, &p, &out);
+        return out;
+    }
+};
+
+TEST_F(BoxStore, ReadsNumbersFromEveryKindOfText) {
+    CMapStringToString boxes;
+    boxes["A"] = "1000.00!";
+    boxes["B"] = "zero";
+    boxes["C"] = "";
+    boxes["D"] = "12.5";
+    boxes["E"] = "free text";
+    run(boxes, "", [](ScriptCalc& c) {
+        EXPECT_EQ(c.GetBox("A"), 1000.0);
+        EXPECT_EQ(c.GetBox("B"), 0.0);
+        EXPECT_EQ(c.GetBox("C"), 0.0);
+        EXPECT_EQ(c.GetBox("missing"), 0.0);
+        EXPECT_EQ(c.GetBox("D"), 12.5);
+        EXPECT_EQ(c.GetBox("E"), 0.0);
+        EXPECT_EQ(c.BoxLength("B"), 4.0);
+        EXPECT_EQ(c.BoxLength("missing"), 0.0);
+    });
+    EXPECT_EQ(boxes.GetCount(), 5);  // reading added no entry
+}
+
+TEST_F(BoxStore, AnOverrideSurvivesAWriteAndFeedsLaterRows) {
+    CMapStringToString boxes;
+    boxes["Q165"] = "1000.00!";
+    run(boxes, "", [](ScriptCalc& c) {
+        c.SetBox("Q165", 5);
+        EXPECT_EQ(c.GetBox("Q165"), 1000.0);
+        EXPECT_EQ(c.GetValue("Q165"), 5.0);
+        c.SetBox("Q235", c.GetBox("Q165") * 2);
+    });
+    EXPECT_EQ(boxes["Q165"], "1000.00!");
+    EXPECT_EQ(boxes["Q235"], "2000.000000");
+}
+
+TEST_F(BoxStore, WritesNothingWhileNoWriteIsSet) {
+    CMapStringToString boxes;
+    boxes["Q1"] = "7";
+    ScriptCalc calc;
+    calc.m_pBoxes = &boxes;
+    ASSERT_EQ(calc.m_NoWrite, 1);
+    calc.SetBox("Q1", 9);
+    calc.SetBox("Q2", 9);
+    EXPECT_EQ(boxes["Q1"], "7");
+    EXPECT_EQ(boxes.PLookup("Q2"), nullptr);
+    EXPECT_EQ(calc.GetValue("Q2"), 9.0);
+}
+
+TEST_F(BoxStore, APrefixAppliesToEveryReadAndWrite) {
+    CMapStringToString boxes;
+    boxes["Q3"] = "1";
+    boxes["SQ3"] = "2";
+    run(boxes, "S", [](ScriptCalc& c) {
+        EXPECT_EQ(c.GetBox("Q3"), 2.0);
+        c.SetBox("Q4", c.GetBox("Q3") + 1);
+        c.MarkZero("Q5");
+    });
+    EXPECT_EQ(boxes["SQ4"], "3.000000");
+    EXPECT_EQ(boxes["SQ5"], "zero");
+    EXPECT_EQ(boxes.PLookup("Q4"), nullptr);
+    EXPECT_EQ(boxes["Q3"], "1");
+}
+
+TEST_F(BoxStore, SumBoxesOverNumberedKeys) {
+    CMapStringToString boxes;
+    boxes["QA10B.1"] = "100";
+    boxes["QA10B.3"] = "250.5!";
+    boxes["QA10B.6"] = "zero";
+    boxes["QA10B.7"] = "1000";  // outside the run
+    run(boxes, "", [](ScriptCalc& c) {
+        EXPECT_EQ(c.SumBoxes("QA10B.%d", 1, 6), 350.5);
+        EXPECT_EQ(c.SumBoxes("QA10B.%d", 7, 6), 0.0);
+        EXPECT_EQ(c.Sum({"QA10B.1", "QA10B.7"}), 1100.0);
+        EXPECT_EQ(CBaseCalc::BoxKey("QF10G.%d", 8), "QF10G.8");
+    });
+}
+
+TEST_F(BoxStore, MarkZeroAndResultsIgnoreTheOverrideMark) {
+    CMapStringToString boxes;
+    boxes["Q525"] = "0.00!";
+    boxes["Q70"] = "999!";
+    boxes["Q430"] = "12";
+    CMapStringToString results;
+    results["Q70"] = "1234.56";
+    results["Q42"] = "";
+    const CMapStringToString out = run(boxes, "", [&](ScriptCalc& c) {
+        c.MarkZero("Q525");
+        c.MarkZero("Q430");  // not nought: left alone
+        c.TakeOverResults(results);
+    });
+    EXPECT_EQ(boxes["Q525"], "zero");
+    EXPECT_EQ(boxes["Q430"], "12");
+    EXPECT_EQ(boxes["Q70"], "1234.56");
+    EXPECT_EQ(boxes["Q42"], "");
+    // What reached the box map outside SetBox comes back in the result map.
+    EXPECT_EQ(*out.PLookup("Q525"), "zero");
+    EXPECT_EQ(*out.PLookup("Q70"), "1234.56");
+    EXPECT_EQ(out.PLookup("Q430"), nullptr);
+}
+
+TEST_F(BoxStore, BoxDateOkChecksFormAndRanges) {
+    struct Case {
+        const char* text;
+        double ok;
+    };
+    const Case cases[] = {
+        {"", 1},          {"05/04/2016", 1}, {"31/04/2016", 1},  // month length is not checked
+        {"1/1/16", 1},    {"00/04/2016", 0}, {"32/01/2016", 0},  {"01/13/2016", 0},
+        {"01/00/2016", 0}, {"yesterday", 0}, {"2016", 0},
+    };
+    for (const auto& c : cases) {
+        CMapStringToString boxes;
+        boxes["QA15"] = c.text;
+        run(boxes, "", [&](ScriptCalc& calc) { EXPECT_EQ(calc.BoxDateOk("QA15"), c.ok) << c.text; });
+    }
+}
+
+TEST_F(BoxStore, AddErrorRecordsOnlyFailures) {
+    CMapStringToString boxes;
+    ScriptCalc calc;
+    calc.script = [](ScriptCalc& c) {
+        EXPECT_EQ(c.AddError(0, "QA15", 1, "not recorded"), 1.0);
+        EXPECT_EQ(c.AddError(0, "QA15", 0, "Invalid date"), 0.0);
+        EXPECT_EQ(c.AddError(0, "QB5", 0, nullptr), 0.0);
+    };
+    CString prefix;
+    Helper(&calc, &boxes, &prefix, nullptr);
+    ASSERT_EQ(calc.m_Errors.GetCount(), 2);
+    POSITION pos = calc.m_Errors.GetHeadPosition();
+    auto* first = static_cast<CError*>(calc.m_Errors.GetNext(pos));
+    auto* second = static_cast<CError*>(calc.m_Errors.GetNext(pos));
+    EXPECT_EQ(first->m_Field, "QA15");
+    EXPECT_EQ(first->m_Message, "Invalid date");
+    EXPECT_EQ(second->m_Field, "QB5");
+    EXPECT_EQ(second->m_Message, CError::Lookup(0));
+}
+
+TEST_F(BoxStore, TearDownShowsTheErrorsOnce) {
+    struct Seen {
+        int calls = 0;
+        int errors = 0;
+    } seen;
+    SetErrorSink(
+        [](const CObList& errors, const CStringList*, void* ctx) {
+            auto* s = static_cast<Seen*>(ctx);
+            ++s->calls;
+            s->errors += errors.GetCount();
+        },
+        &seen);
+    {
+        ScriptCalc calc;
+        calc.AddError(0, "QA15", 0, "Invalid date");
+    }
+    EXPECT_EQ(seen.calls, 1);
+    EXPECT_EQ(seen.errors, 1);
+    {
+        ScriptCalc calc;
+        calc.m_ShowErrors = 0;
+        calc.AddError(0, "QA15", 0, "Invalid date");
+    }
+    EXPECT_EQ(seen.calls, 1);
+}
+
+}  // namespace

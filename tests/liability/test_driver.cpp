@@ -1,0 +1,156 @@
+// The third-generation driver: from Q315 and the period to Q70 and the rate lines.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "liability/liability.h"
+#include "platform/message_box.h"
+#include "support.h"
+
+namespace {
+
+struct Inputs {
+    const char *from, *to, *q315, *q38 = "", *q67 = "", *coType = "", *force = "", *q39 = "";
+};
+
+CMapStringToString charge(const Inputs& in, CMapStringToString* boxesOut = nullptr) {
+    CMapStringToString boxes, results;
+    boxes["from"] = in.from;
+    boxes["to"] = in.to;
+    boxes["Q315"] = in.q315;
+    boxes["Q38"] = in.q38;
+    boxes["Q67"] = in.q67;
+    boxes["co_type"] = in.coType;
+    boxes["forcestandardrate"] = in.force;
+    boxes["Q39"] = in.q39;
+    CTcharge_16(&boxes, "", &results);
+    if (boxesOut) *boxesOut = boxes;
+    return results;
+}
+
+TEST(CTcharge16, ResultsByScenario) {
+    struct Case {
+        const char* why;
+        Inputs in;
+        const char *q330, *q335, *q340, *q380, *q385, *q390, *q70;
+    };
+    const Case cases[] = {
+        {"straddle of 1 April 2014", {"01/01/2014", "31/12/2014", "400000"},
+         "2013", "98630", "23", "2014", "301370", "21", "81866.45"},
+        {"distributions matched, tax raised", {"01/04/2004", "31/03/2005", "30000", "", "10000"},
+         "2004", "30000", "19", "", "", "", "5066.00"},
+        {"tiny distributions can't lower the tax", {"01/04/2004", "31/03/2005", "30000", "", "0.02"},
+         "2004", "30000", "19", "", "", "", "4750.00"},
+        {"distributions of 0.005: tax unchanged", {"01/04/2004", "31/03/2005", "30000", "", "0.005"},
+         "2004", "30000", "19", "", "", "", "4750.00"},
+        {"effective rate of exactly 19: no matching", {"01/04/2004", "31/03/2005", "200000", "", "50000"},
+         "2004", "200000", "19", "", "", "", "38000.00"},
+        {"2005/2006 straddle, distributions above the first year",
+         {"01/01/2006", "31/12/2006", "30000", "", "10000"},
+         "2005", "7397", "19", "2006", "22603", "19", "5782.52"},
+        {"2005/2006 straddle can fall below net", {"01/01/2006", "31/12/2006", "30000", "", "0.02"},
+         "2005", "7397", "19", "2006", "22603", "19", "5465.51"},
+        {"short period scales the limits", {"01/04/2011", "30/09/2011", "200000"},
+         "2011", "200000", "26", "", "", "", "43719.19"},
+        {"open ended investment trust", {"01/04/2012", "31/03/2013", "100000", "", "", "1"},
+         "2012", "100000", "20", "", "", "", "20000.00"},
+        {"forced standard rate, T", {"01/04/2010", "31/03/2011", "100000", "", "", "", "T"},
+         "2010", "100000", "28", "", "", "", "28000.00"},
+        {"forced standard rate, yes", {"01/04/2010", "31/03/2011", "100000", "", "", "", "yes"},
+         "2010", "100000", "28", "", "", "", "28000.00"},
+        {"other profit counts for the limits only", {"01/04/2010", "31/03/2011", "100000", "250000"},
+         "2010", "100000", "28", "", "", "", "22250.00"},
+        {"only other profit: main rate on nothing", {"01/04/2010", "31/03/2011", "0", "50000"},
+         "2010", "0", "28", "", "", "", "0.00"},
+        {"associated-company boxes are not read", {"01/04/2010", "31/03/2011", "400000", "", "", "", "", "2"},
+         "2010", "400000", "28", "", "", "", "92750.00"},
+    };
+    for (const auto& c : cases) {
+        const CMapStringToString r = charge(c.in);
+        EXPECT_EQ(result(r, "Q330"), c.q330) << c.why;
+        EXPECT_EQ(result(r, "Q335"), c.q335) << c.why;
+        EXPECT_EQ(result(r, "Q340"), c.q340) << c.why;
+        EXPECT_EQ(result(r, "Q380"), c.q380) << c.why;
+        EXPECT_EQ(result(r, "Q385"), c.q385) << c.why;
+        EXPECT_EQ(result(r, "Q390"), c.q390) << c.why;
+        EXPECT_EQ(result(r, "Q70"), c.q70) << c.why;
+        for (const char* key : {"Q42", "Q435", "Q66", "Q68", "Q69"}) EXPECT_EQ(result(r, key), "") << c.why;
+        EXPECT_EQ(result(r, "Q345"), "<unset>") << c.why;
+    }
+}
+
+TEST(CTcharge16, MatchingLeavesItsWorkingInTheTree) {
+    CXMLVar tree("");
+    tree.Open(charge({"01/04/2004", "31/03/2005", "30000", "", "10000"})["xml/CT/CTchargeable"]);
+    const char* order[] = {"name", "year", "ref", "Type", "BasicProfit", "OtherProfit", "Profit", "FY1",
+                           "TotalBeforeMRR", "TotalMRR", "TotalAfterMRR", "TotalBeforeNCD", "NCDs", "Total"};
+    ASSERT_EQ(tree.GetChildCount(), 14);
+    for (int i = 0; i < 14; ++i) EXPECT_EQ(tree.children[i]->name, order[i]);
+    const std::pair<const char*, const char*> values[] = {
+        {"TotalMRR", "950.00"},          {"TotalAfterMRR", "4750.00"}, {"NCDs/ncd", "10000.00"},
+        {"NCDs/ncdrate", "19.00"},       {"NCDs/effectiverate", "15.83"}, {"NCDs/ncdtax", "1900.00"},
+        {"NCDs/nonncd", "20000.00"},     {"NCDs/nonncd_tax", "3166.00"},  {"FY1/MSRR/m1", "950.00"},
+        {"Total", "5066.00"},
+    };
+    for (const auto& [path, value] : values) EXPECT_EQ(valueAt(tree, path), value) << path;
+
+    tree.Open(charge({"01/04/2004", "31/03/2005", "30000", "", "0.005"})["xml/CT/CTchargeable"]);
+    ASSERT_NE(tree.FindChild("NCDs"), nullptr);
+    EXPECT_EQ(tree.FindChild("NCDs")->GetChildCount(), 0);
+}
+
+TEST(CTcharge16, NoProfitTakesTheShortWay) {
+    for (const char* profit : {"0", "-500", "garbage"}) {
+        const CMapStringToString r = charge({"01/04/2010", "31/03/2011", profit});
+        for (const char* key : {"Q330", "Q335", "Q340", "Q345"}) EXPECT_EQ(result(r, key), "") << profit;
+        EXPECT_EQ(result(r, "Q70"), "<unset>");
+        EXPECT_EQ(result(r, "Q380"), "<unset>");
+        CXMLVar tree("");
+        EXPECT_NE(tree.Open(*r.PLookup("xml/CT/CTchargeable")), 0);
+        EXPECT_EQ(tree.GetChildCount(), 7);
+        EXPECT_EQ(tempFile("calc.htm"), "x no profit\n");
+    }
+}
+
+TEST(CTcharge16, MissingOrBadDatesEndSilently) {
+    const Inputs cases[] = {{"", "31/03/2011", "1000"},         {"01/04/2010", "", "1000"},
+                            {"01/04/2011", "31/03/2011", "1000"}, {"31/02/2010", "31/03/2011", "1000"},
+                            {"garbage", "more garbage", "1000"}};
+    for (const auto& in : cases) {
+        CMapStringToString boxes;
+        EXPECT_EQ(charge(in, &boxes).GetCount(), 0) << in.from << " " << in.to;
+        EXPECT_EQ(boxes.PLookup("name"), nullptr);
+    }
+    CTcharge_16(nullptr, "", nullptr);
+}
+
+TEST(CTcharge16, HugeFiguresDoNotBreakTheRun) {
+    for (const char* profit : {"1e300", "99999999999999999999", "-1e300"}) {
+        const CMapStringToString r = charge({"01/01/2014", "31/12/2014", profit, "1e300", "1e300"});
+        EXPECT_NE(r.PLookup("xml/CT/CTchargeable"), nullptr) << profit;
+    }
+}
+
+std::vector<std::string> g_messages;
+void capture(const char* text, void*) { g_messages.push_back(text); }
+
+TEST(CTcharge16, PeriodAboveTwelveMonthsIsShownOnceAndTheRunGoesOn) {
+    SetMessageSink(capture, nullptr);
+    g_messages.clear();
+    charge({"01/04/2011", "31/03/2012", "100000"});  // 366 days: accepted
+    EXPECT_TRUE(g_messages.empty());
+    // 367 days: FY2010 365 days at 21%, FY2011 2 days at 20%.
+    // 365/367 x 100,000 = 99,455.04 -> 99,455 x 21% = 20,885.55; 545 x 20% = 109.00.
+    const CMapStringToString r = charge({"01/04/2010", "02/04/2011", "100000"});
+    SetMessageSink(nullptr, nullptr);
+    ASSERT_EQ(g_messages.size(), 1u);
+    EXPECT_EQ(g_messages[0], "Error: return period cannot exceed 12 months");
+    EXPECT_EQ(result(r, "Q70"), "20994.55");
+    EXPECT_EQ(tempFile("calc.htm").rfind("<H2>Error: return period cannot exceed 12 months</H2>"
+                                         "<H1>Corporation tax chargeable</H1><H2>Financial year 2010</H2>",
+                                         0),
+              0u);
+}
+
+}  // namespace
