@@ -18,6 +18,7 @@
 #include "common/errors.h"
 #include "common/library.h"
 #include "entry/exports.h"
+#include "envelope/envelope.h"
 
 namespace {
 
@@ -39,7 +40,9 @@ const char* const kUsage =
     "        calculator) and the rebuilt return is written to OUT (default: standard\n"
     "        output); with --entry it is read as a box map instead.\n"
     "        --report DIR copies the worked report (calc.htm, ctcharge.xml) to DIR.\n"
-
+    "  message FILE\n"
+    "        Print the GovTalkMessage that validation builds from the box map in\n"
+    "        FILE (JSON or return XML, as for calc).\n"
     "  entries\n"
     "        List every form entry with the calculator it runs.\n"
     "  --help\n"
@@ -102,6 +105,8 @@ CMapStringToString boxesFromText(const std::string& text, const std::string& pat
     if (text.find_first_not_of(" \t\r\n") == std::string::npos) throw InputError{path + ": the file is empty"};
     return isXmlText(text) ? boxesFromXml(text, path) : boxesFromJson(text, path);
 }
+
+CMapStringToString loadBoxes(const std::string& path) { return boxesFromText(readFile(path), path); }
 
 struct ErrorLine {
     std::string field, text;
@@ -273,6 +278,17 @@ int commandCalc(const std::vector<std::string>& args) {
     return kExitOk;
 }
 
+int commandMessage(const std::vector<std::string>& args) {
+    if (args.size() != 1 || args[0].empty() || args[0][0] == '-') throw InputError{"message takes one file"};
+    CMapStringToString boxes = loadBoxes(args[0]);
+    const std::unique_ptr<CXMLVar> message(quick_govtalk(boxes));
+    if (!message) throw InputError{"the message template ctv3_16.xml is missing from " + GetCTdir().str()};
+    CString text;
+    message->Save(text);
+    std::printf("%s\n", text.c_str());
+    return kExitOk;
+}
+
 int commandEntries() {
     int count = 0;
     const FormEntryInfo* entries = FormEntries(&count);
@@ -300,6 +316,7 @@ int main(int argc, char** argv) {
     args.erase(args.begin());
     try {
         if (command == "calc") return commandCalc(args);
+        if (command == "message") return commandMessage(args);
         if (command == "entries") return commandEntries();
         throw InputError{"unknown command " + command + " (try 'ct600 --help')"};
     } catch (const InputError& e) {

@@ -1,0 +1,268 @@
+// The template filler: the box map as a tree, the filling of a template's
+// placeholders and repeats, and the removal of what is left empty.
+#include <algorithm>
+#include <map>
+#include <set>
+#include <string>
+#include <unordered_set>
+#include <utility>
+
+#include "common/library.h"
+#include "envelope/template_text.h"
+
+namespace {
+
+// A template deeper than this is cut off there: the form's is eight levels
+// deep, and the filling recurses.
+constexpr int kMaxTemplateDepth = 200;
+// A row number is at most this many digits, so that its value fits an unsigned long.
+constexpr std::size_t kMaxRowDigits = 9;
+
+using BoxIndex = std::map<std::string, CString, std::less<>>;
+
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+bool isMarkup(const CString& attrName) { return attrName == kIfAttr || attrName == kRepeatAttr; }
+
+bool blankText(const CString& text) {
+    for (const char c : text.view())
+        if (c != ' ' && c != '\t' && c != '\r' && c != '\n') return false;
+    return true;
+}
+
+// CXMLVar has no way to drop one attribute, so the node is rebuilt in place
+// with the attributes it keeps; its children are set aside and put back.
+template <typename Drop>
+void dropAttributes(CXMLVar* node, Drop drop) {
+    const auto& current = node->Attributes();
+    if (std::none_of(current.begin(), current.end(), [&](const auto& a) { return drop(a.first); })) return;
+    const auto attributes = current;  // a copy: Clear empties the node's own
+    std::vector<CXMLVar*> children;
+    children.swap(node->children);
+    const CString value = node->value;
+    node->Clear();
+    node->value = value;
+    node->children.swap(children);
+    for (const auto& [name, attrValue] : attributes)
+        if (!drop(name)) node->SetAttr(name, attrValue);
+}
+
+class Filler {
+public:
+    Filler(const CXMLVar* data, CString prefix) : prefix_(std::move(prefix)) {
+        if (!data) return;
+        // The first entry of a key wins, as a map lookup would have it.
+        for (const CXMLVar* box : data->children) index_.emplace(box->name.str(), box->value);
+    }
+
+    void Fill(const CXMLVar* from, CXMLVar* into, const std::string& row, int depth) {
+        for (const auto& [name, value] : from->Attributes()) {
+            if (name == kRepeatAttr) continue;
+            if (name == kIfAttr || !HasPlaceholder(value.view())) {
+                into->SetAttr(name, value);
+                continue;
+            }
+            const CString filled = Expand(value.view(), row);
+            if (!filled.IsEmpty()) into->SetAttr(name, filled);
+        }
+        if (HasPlaceholder(from->value.view())) {
+            into->value = Expand(from->value.view(), row);
+            into->SetAttr(kIfAttr, kFilled);
+        } else {
+            into->value = from->value;
+        }
+        if (depth >= kMaxTemplateDepth) {
+            if (!from->children.empty())
+                DoLogF("Populate() template deeper than %d levels, cut at %s", depth, from->name.c_str());
+            return;
+        }
+        for (const CXMLVar* child : from->children) {
+            const bool repeated = !child->GetAttr(kRepeatAttr).IsEmpty();
+            // Repeats don't nest: inside a row, a repeated element is one more
+            // element of that row.
+            if (!repeated || !row.empty()) {
+                CXMLVar* copy = into->AddChild(new CXMLVar(child->name), nullptr);
+                Fill(child, copy, row, depth + 1);
+                if (repeated) copy->SetAttr(kIfAttr, kFilled);
+                continue;
+            }
+            for (const std::string& r : Rows(child)) {
+                CXMLVar* copy = into->AddChild(new CXMLVar(child->name), nullptr);
+                Fill(child, copy, r, depth + 1);
+                copy->SetAttr(kIfAttr, kFilled);
+            }
+        }
+    }
+
+private:
+    CString Lookup(const CString& key) const {
+        const auto it = index_.find((prefix_ + key).str());
+        return it == index_.end() ? CString() : it->second;
+    }
+
+    static CString WithRow(const CString& key, const std::string& row) {
+        if (key.Find(kRowMark) < 0) return key;
+        std::string out;
+        for (const char c : key.view()) {
+            if (c == kRowMark)
+                out += row;
+            else
+                out += c;
+        }
+        return CString(std::move(out));
+    }
+
+    CString Resolve(const Placeholder& p, const std::string& row) const {
+        for (const PlaceholderSource& source : p.sources) {
+            const CString raw = source.literal ? source.text : Lookup(WithRow(source.text, row));
+            CString text = FormatBox(p.kind, raw);
+            if (!text.IsEmpty()) return text;
+        }
+        return CString();
+    }
+
+    // The placeholders' texts in place. When every placeholder is empty the
+    // whole text is: the literal words around an empty box say nothing.
+    CString Expand(std::string_view text, const std::string& row) const {
+        CString out;
+        bool anyFilled = false;
+        for (const TemplatePiece& piece : SplitTemplateText(text)) {
+            if (!piece.placeholder) {
+                out += CString(piece.text);
+                continue;
+            }
+            const CString value = Resolve(piece.parsed, row);
+            anyFilled = anyFilled || !value.IsEmpty();
+            out += value;
+        }
+        return anyFilled ? out : CString();
+    }
+
+    // The row numbers of a repeated element: every run of digits that stands
+    // for "#" in a key of the box map that one of its placeholders names,
+    // in the order of the numbers. Each row is kept as written, so QA10B.01
+    // and QA10B.1 are two rows.
+    std::vector<std::string> Rows(const CXMLVar* element) const {
+        std::vector<std::pair<std::string, std::string>> patterns;  // text before and after "#"
+        std::vector<const CXMLVar*> pending{element};
+        while (!pending.empty()) {
+            const CXMLVar* node = pending.back();
+            pending.pop_back();
+            auto collect = [&](const CString& text) {
+                for (const TemplatePiece& piece : SplitTemplateText(text.view())) {
+                    if (!piece.placeholder) continue;
+                    for (const PlaceholderSource& source : piece.parsed.sources) {
+                        const int mark = source.literal ? -1 : source.text.Find(kRowMark);
+                        if (mark < 0) continue;
+                        const std::string key = (prefix_ + source.text).str();
+                        const std::size_t at = static_cast<std::size_t>(prefix_.GetLength() + mark);
+                        std::string after = key.substr(at + 1);
+                        if (after.find(kRowMark) != std::string::npos) continue;  // one row mark a key
+                        patterns.emplace_back(key.substr(0, at), std::move(after));
+                    }
+                }
+            };
+            collect(node->value);
+            for (const auto& attribute : node->Attributes()) collect(attribute.second);
+            for (const CXMLVar* child : node->children) pending.push_back(child);
+        }
+
+        std::set<std::pair<unsigned long, std::string>> rows;
+        for (const auto& [before, after] : patterns) {
+            for (auto it = index_.lower_bound(before); it != index_.end(); ++it) {
+                const std::string& key = it->first;
+                if (key.compare(0, before.size(), before) != 0) break;
+                if (key.size() < before.size() + after.size() + 1) continue;
+                if (key.compare(key.size() - after.size(), after.size(), after) != 0) continue;
+                const std::string middle = key.substr(before.size(), key.size() - before.size() - after.size());
+                if (middle.size() > kMaxRowDigits || !std::all_of(middle.begin(), middle.end(), isDigit)) continue;
+                rows.emplace(std::stoul(middle), middle);
+            }
+        }
+        std::vector<std::string> out;
+        out.reserve(rows.size());
+        for (const auto& row : rows) out.push_back(row.second);
+        return out;
+    }
+
+    CString prefix_;
+    BoxIndex index_;
+};
+
+// Document order, each node with its path below the root.
+void listNode(const CXMLVar* node, const CString& path, std::vector<BoxMapEntry>& out,
+              std::vector<CString>* problems, int depth) {
+    auto add = [&](const CString& text, const CString& where) {
+        std::vector<std::string_view> bad;
+        for (const TemplatePiece& piece : SplitTemplateText(text.view(), &bad))
+            if (piece.placeholder)
+                out.push_back({piece.parsed.SourcesText(), where, BoxKindName(piece.parsed.kind)});
+        if (problems)
+            for (const std::string_view b : bad) problems->push_back(where + ": " + CString(b));
+    };
+    for (const auto& [name, value] : node->Attributes()) {
+        if (isMarkup(name)) continue;
+        add(value, path.IsEmpty() ? "@" + name : path + "/@" + name);
+    }
+    add(node->value, path);
+    if (depth >= kMaxTemplateDepth) return;
+    for (const CXMLVar* child : node->children)
+        listNode(child, path.IsEmpty() ? child->name : path + "/" + child->name, out, problems, depth + 1);
+}
+
+}  // namespace
+
+CXMLVar* TaxToXML(const CMapStringToString& boxes) {
+    auto* root = new CXMLVar("Boxes");
+    for (const auto& [key, value] : boxes.items()) root->AddChild(new CXMLVar(key, value), nullptr);
+    return root;
+}
+
+CGovTalk::CGovTalk(CXMLVar*& document) : document_(document) {}
+
+CGovTalk::~CGovTalk() = default;
+
+CXMLVar* CGovTalk::Populate(CXMLVar* templ, CXMLVar* data, int reserved, CString prefix) {
+    (void)reserved;
+    auto* document = new CXMLVar(templ ? templ->name : CString());
+    if (templ) Filler(data, std::move(prefix)).Fill(templ, document, std::string(), 0);
+    document_ = document;
+    return document;
+}
+
+void CGovTalk::RemoveConditionals(CXMLVar* document) {
+    if (!document) return;
+    // Pre-order, then backwards: every node comes after all of its children,
+    // so a section sees its children already settled.
+    std::vector<CXMLVar*> order;
+    std::vector<CXMLVar*> pending{document};
+    while (!pending.empty()) {
+        CXMLVar* node = pending.back();
+        pending.pop_back();
+        order.push_back(node);
+        for (auto it = node->children.rbegin(); it != node->children.rend(); ++it) pending.push_back(*it);
+    }
+    std::unordered_set<const CXMLVar*> doomed;
+    for (auto it = order.rbegin(); it != order.rend(); ++it) {
+        CXMLVar* node = *it;
+        auto& kids = node->children;
+        const auto gone = std::stable_partition(kids.begin(), kids.end(),
+                                                [&](const CXMLVar* c) { return !doomed.count(c); });
+        for (auto k = gone; k != kids.end(); ++k) {
+            doomed.erase(*k);
+            delete *k;  // already without children of its own
+        }
+        kids.erase(gone, kids.end());
+
+        const bool conditional = !node->GetAttr(kIfAttr).IsEmpty();
+        dropAttributes(node, isMarkup);
+        const bool empty = kids.empty() && blankText(node->value) && node->Attributes().empty();
+        if (conditional && empty && node != document) doomed.insert(node);
+    }
+}
+
+std::vector<BoxMapEntry> ListBoxMap(const CXMLVar* templ, std::vector<CString>* problems) {
+    std::vector<BoxMapEntry> out;
+    if (templ) listNode(templ, CString(), out, problems, 0);
+    return out;
+}

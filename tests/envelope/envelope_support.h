@@ -1,0 +1,151 @@
+// Helpers shared by the envelope's tests: trees from text, a compact picture
+// of a tree, box maps from the example files, the log and the environment.
+#pragma once
+
+#include <cstdlib>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "common/basics.h"
+#include "common/xmlvar.h"
+#include "envelope/envelope.h"
+#include "platform/collections.h"
+
+namespace envtest {
+
+inline std::string sourcePath(const std::string& relative) { return std::string(CT600_SOURCE_DIR) + "/" + relative; }
+
+inline std::string templateFolder() { return sourcePath("envelope/templates"); }
+
+inline std::string readText(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+inline std::unique_ptr<CXMLVar> parse(const std::string& xml) {
+    auto node = std::make_unique<CXMLVar>();
+    node->Open(CString(xml));
+    return node;
+}
+
+inline std::unique_ptr<CXMLVar> loadTemplate() {
+    auto node = std::make_unique<CXMLVar>();
+    node->OpenPath((templateFolder() + "/ctv3_16.xml").c_str());
+    return node;
+}
+
+// A tree on one line: name, [attributes], =value, (children).
+inline void compactInto(const CXMLVar* node, std::string& out) {
+    out += node->name.str();
+    for (const auto& [k, v] : node->Attributes()) out += "[" + k.str() + "=" + v.str() + "]";
+    if (!node->value.IsEmpty()) out += "=" + node->value.str();
+    if (node->children.empty()) return;
+    out += "(";
+    for (std::size_t i = 0; i < node->children.size(); ++i) {
+        if (i) out += " ";
+        compactInto(node->children[i], out);
+    }
+    out += ")";
+}
+
+inline std::string compact(const CXMLVar* node) {
+    std::string out;
+    if (node) compactInto(node, out);
+    return out;
+}
+
+// Follows names separated by "/"; "Name[2]" is the second child of that name.
+inline const CXMLVar* find(const CXMLVar* node, const std::string& path) {
+    std::size_t start = 0;
+    while (node && start < path.size()) {
+        std::size_t slash = path.find('/', start);
+        if (slash == std::string::npos) slash = path.size();
+        std::string step = path.substr(start, slash - start);
+        int nth = 1;
+        if (const auto open = step.find('['); open != std::string::npos) {
+            nth = std::atoi(step.c_str() + open + 1);
+            step.erase(open);
+        }
+        const CXMLVar* next = nullptr;
+        for (const CXMLVar* child : node->children)
+            if (child->name.str() == step && --nth == 0) {
+                next = child;
+                break;
+            }
+        node = next;
+        start = slash + 1;
+    }
+    return node;
+}
+
+inline CMapStringToString boxesOf(const std::vector<std::pair<const char*, const char*>>& pairs) {
+    CMapStringToString boxes;
+    for (const auto& [k, v] : pairs) boxes[k] = v;
+    return boxes;
+}
+
+// The examples are flat JSON objects of text to text without escapes: the
+// quoted texts alternate key, value.
+inline CMapStringToString boxesFromJsonFile(const std::string& path) {
+    CMapStringToString boxes;
+    const std::string text = readText(path);
+    std::vector<std::string> quoted;
+    for (std::size_t open = text.find('"'); open != std::string::npos; open = text.find('"', open)) {
+        const std::size_t close = text.find('"', open + 1);
+        if (close == std::string::npos) break;
+        quoted.push_back(text.substr(open + 1, close - open - 1));
+        open = close + 1;
+    }
+    for (std::size_t i = 0; i + 1 < quoted.size(); i += 2) boxes[quoted[i].c_str()] = quoted[i + 1].c_str();
+    return boxes;
+}
+
+// Sets an environment variable for the length of a scope.
+class EnvGuard {
+public:
+    EnvGuard(const char* name, const std::string& value) : name_(name) {
+        if (const char* old = std::getenv(name)) {
+            had_ = true;
+            old_ = old;
+        }
+        setenv(name, value.c_str(), 1);
+    }
+    ~EnvGuard() {
+        if (had_)
+            setenv(name_.c_str(), old_.c_str(), 1);
+        else
+            unsetenv(name_.c_str());
+    }
+    EnvGuard(const EnvGuard&) = delete;
+    EnvGuard& operator=(const EnvGuard&) = delete;
+
+private:
+    std::string name_, old_;
+    bool had_ = false;
+};
+
+// Collects the log lines of a scope.
+class LogCapture {
+public:
+    LogCapture() { SetLogSink(&LogCapture::take, this); }
+    ~LogCapture() { SetLogSink(nullptr, nullptr); }
+    LogCapture(const LogCapture&) = delete;
+    LogCapture& operator=(const LogCapture&) = delete;
+    bool Has(const std::string& line) const {
+        for (const auto& l : lines) if (l.find(line) != std::string::npos) return true;
+        return false;
+    }
+    std::vector<std::string> lines;
+
+private:
+    static void take(const char* line, void* context) {
+        static_cast<LogCapture*>(context)->lines.emplace_back(line ? line : "");
+    }
+};
+
+}  // namespace envtest

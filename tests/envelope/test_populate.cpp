@@ -1,0 +1,221 @@
+// Filling a template from a box map, and removing what is left empty.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "envelope_support.h"
+
+namespace {
+
+using envtest::compact;
+using envtest::parse;
+
+// Populate then RemoveConditionals, as quick_govtalk does.
+std::string fill(const std::string& templ, const CMapStringToString& boxes, const char* prefix = "") {
+    const auto t = parse(templ);
+    const std::unique_ptr<CXMLVar> data(TaxToXML(boxes));
+    CXMLVar* out = nullptr;
+    CGovTalk filler(out);
+    std::unique_ptr<CXMLVar> doc(filler.Populate(t.get(), data.get(), 0, prefix));
+    filler.RemoveConditionals(doc.get());
+    return compact(doc.get());
+}
+
+struct FillCase {
+    const char* what;
+    const char* templ;
+    std::vector<std::pair<const char*, const char*>> boxes;
+    const char* expected;
+};
+
+TEST(Populate, FillsPlaceholdersAndDropsWhatIsEmpty) {
+    const FillCase cases[] = {
+        {"a filled box", "<R><A>{Q1:amount}</A></R>", {{"Q1", "5"}}, "R(A=5.00)"},
+        {"an empty box leaves no element", "<R><A>{Q1:amount}</A><B>{Q2}</B></R>", {{"Q2", "x"}}, "R(B=x)"},
+        {"a computed nought leaves no element", "<R><A>{Q1:amount}</A></R>", {{"Q1", "0.000000"}}, "R"},
+        {"the word zero shows a nought", "<R><A>{Q1:amount}</A></R>", {{"Q1", "zero"}}, "R(A=0.00)"},
+        {"literal text stays", "<R><A>fixed</A></R>", {}, "R(A=fixed)"},
+        {"words around a box", "<R><A>{Q1} Ltd</A></R>", {{"Q1", "Acme"}}, "R(A=Acme Ltd)"},
+        {"words around an empty box go with it", "<R><A>{Q1} Ltd</A></R>", {}, "R"},
+        {"two boxes in one text, one empty", "<R><A>{Q1}-{Q2}</A></R>", {{"Q2", "b"}}, "R(A=-b)"},
+        {"the first filled alternative", "<R><A>{Q9 or Q1 or Q2}</A></R>", {{"Q1", "one"}, {"Q2", "two"}},
+         "R(A=one)"},
+        {"an alternative empty by its kind is passed over", "<R><A>{Q1 or Q2:amount}</A></R>",
+         {{"Q1", "0"}, {"Q2", "7"}}, "R(A=7.00)"},
+        {"a quoted text when no box is filled", "<R><A>{Q1 or '0'}</A></R>", {}, "R(A=0)"},
+        {"a box before the quoted text", "<R><A>{Q1 or '0'}</A></R>", {{"Q1", "3"}}, "R(A=3)"},
+        {"an attribute from a box", "<R T=\"{kind or 'new'}\"/>", {{"kind", "amended"}}, "R[T=amended]"},
+        {"an attribute from its default", "<R T=\"{kind or 'new'}\"/>", {}, "R[T=new]"},
+        {"an empty attribute is left out", "<R T=\"{kind}\" U=\"u\"/>", {}, "R[U=u]"},
+        {"an empty conditional section goes", "<R><S if=\"filled\"><A>{Q1}</A></S><B>{Q2}</B></R>", {{"Q2", "b"}},
+         "R(B=b)"},
+        {"a filled conditional section stays", "<R><S if=\"filled\"><A>{Q1}</A><C>{Q3}</C></S></R>", {{"Q1", "a"}},
+         "R(S(A=a))"},
+        {"a section without the mark stays empty", "<R><S><A>{Q1}</A></S></R>", {}, "R(S)"},
+        {"nested empty sections all go", "<R><S if=\"filled\"><T if=\"filled\"><A>{Q1}</A></T></S></R>", {}, "R"},
+        {"a section kept by a deeper box", "<R><S if=\"filled\"><T if=\"filled\"><A>{Q1:flag}</A></T></S></R>",
+         {{"Q1", "y"}}, "R(S(T(A=yes)))"},
+        {"a conditional literal keeps its section", "<R><S if=\"filled\"><A>fixed</A></S></R>", {}, "R(S(A=fixed))"},
+        {"malformed braces stay as text", "<R><A>{not a box}</A><B>{Q1</B></R>", {{"Q1", "x"}},
+         "R(A={not a box} B={Q1)"},
+        {"a box text with markup characters", "<R><A>{Q1}</A></R>", {{"Q1", "A & B <Ltd>"}}, "R(A=A & B <Ltd>)"},
+    };
+    for (const FillCase& c : cases) EXPECT_EQ(fill(c.templ, envtest::boxesOf(c.boxes)), c.expected) << c.what;
+}
+
+TEST(Populate, RepeatsOneElementPerRowInNumberOrder) {
+    const char* templ =
+        "<R><L if=\"filled\"><Loan repeat=\"rows\"><N>{QA10A.#}</N><B>{QA10B.#:amount}</B></Loan>"
+        "<T>{QA15:amount}</T></L></R>";
+    const FillCase cases[] = {
+        {"no rows", templ, {}, "R"},
+        {"rows with gaps, in number order",
+         templ,
+         {{"QA10A.10", "Ten"}, {"QA10B.3", "300"}, {"QA10A.1", "One"}, {"QA10B.1", "100"}},
+         "R(L(Loan(N=One B=100.00) Loan(B=300.00) Loan(N=Ten)))"},
+        {"rows of computed noughts vanish",
+         templ,
+         {{"QA10B.1", "0.000000"}, {"QA10B.2", "250"}, {"QA10B.3", "0.000000"}, {"QA15", "250.000000"}},
+         "R(L(Loan(B=250.00) T=250.00))"},
+        {"a row written 01 is a row of its own",
+         templ,
+         {{"QA10A.01", "Zero-one"}, {"QA10A.1", "One"}},
+         "R(L(Loan(N=Zero-one) Loan(N=One)))"},
+        {"keys that are no row are passed over",
+         templ,
+         {{"QA10A.x", "no"}, {"QA10A.", "no"}, {"QA10A.1a", "no"}, {"QA10A.1234567890", "no"}, {"QA10AB.1", "no"},
+          {"QA10A.2", "Two"}},
+         "R(L(Loan(N=Two)))"},
+        {"a row key outside a repeat reads nothing", "<R><A>{Q1.#}</A></R>", {{"Q1.1", "x"}}, "R"},
+        {"repeats don't nest: a row mark inside a row is that row's number",
+         "<R><G repeat=\"rows\"><N>{QX.#}</N><H repeat=\"rows\"><M>{QY.#}</M></H></G></R>",
+         {{"QX.1", "a"}, {"QY.1", "b"}, {"QY.2", "c"}},
+         "R(G(N=a H(M=b)) G(H(M=c)))"},
+    };
+    for (const FillCase& c : cases) EXPECT_EQ(fill(c.templ, envtest::boxesOf(c.boxes)), c.expected) << c.what;
+}
+
+TEST(Populate, ThePrefixGoesInFrontOfEveryKey) {
+    const char* templ = "<R><A>{Q1:amount}</A><L repeat=\"rows\"><B>{QB.#}</B></L><C>{Q2 or 'd'}</C></R>";
+    const CMapStringToString boxes =
+        envtest::boxesOf({{"Q1", "1"}, {"SQ1", "2"}, {"QB.1", "plain"}, {"SQB.4", "second run"}});
+    EXPECT_EQ(fill(templ, boxes, "S"), "R(A=2.00 L(B=second run) C=d)");
+    EXPECT_EQ(fill(templ, boxes, ""), "R(A=1.00 L(B=plain) C=d)");
+}
+
+TEST(Populate, LeavesTheTemplateAndDataAloneAndSharesNoNodes) {
+    auto templ = parse("<R K=\"{Q1}\"><S if=\"filled\"><A>{Q1}</A></S><L repeat=\"rows\"><B>{Q.#}</B></L></R>");
+    const std::string before = compact(templ.get());
+    std::unique_ptr<CXMLVar> data(TaxToXML(envtest::boxesOf({{"Q1", "one"}, {"Q.1", "row"}})));
+    const std::string dataBefore = compact(data.get());
+    CXMLVar* seen = nullptr;
+    CGovTalk filler(seen);
+    std::unique_ptr<CXMLVar> doc(filler.Populate(templ.get(), data.get(), 0, ""));
+    EXPECT_EQ(seen, doc.get());
+    EXPECT_EQ(compact(templ.get()), before);
+    EXPECT_EQ(compact(data.get()), dataBefore);
+    // Until RemoveConditionals, the conditional mark-up is still there.
+    EXPECT_EQ(compact(doc.get()), "R[K=one](S[if=filled](A[if=filled]=one) L[if=filled](B[if=filled]=row))");
+    templ.reset();
+    data.reset();
+    filler.RemoveConditionals(doc.get());
+    EXPECT_EQ(compact(doc.get()), "R[K=one](S(A=one) L(B=row))");
+}
+
+TEST(Populate, NeverReturnsNull) {
+    CXMLVar* seen = nullptr;
+    CGovTalk filler(seen);
+    std::unique_ptr<CXMLVar> none(filler.Populate(nullptr, nullptr, 0, ""));
+    ASSERT_NE(none, nullptr);
+    EXPECT_EQ(compact(none.get()), "");
+    // Without data every box is empty.
+    auto templ = parse("<R><A>{Q1}</A><B>{Q2 or 'b'}</B></R>");
+    std::unique_ptr<CXMLVar> doc(filler.Populate(templ.get(), nullptr, 0, ""));
+    filler.RemoveConditionals(doc.get());
+    EXPECT_EQ(compact(doc.get()), "R(B=b)");
+}
+
+TEST(Populate, ADeepTemplateIsCutOffNotCrashedOn) {
+    std::string xml;
+    for (int i = 0; i < 5000; ++i) xml += "<D if=\"filled\">";
+    xml += "{Q1}";
+    for (int i = 0; i < 5000; ++i) xml += "</D>";
+    auto templ = parse(xml);
+    std::unique_ptr<CXMLVar> data(TaxToXML(envtest::boxesOf({{"Q1", "x"}})));
+    CXMLVar* seen = nullptr;
+    CGovTalk filler(seen);
+    envtest::LogCapture log;
+    std::unique_ptr<CXMLVar> doc(filler.Populate(templ.get(), data.get(), 0, ""));
+    filler.RemoveConditionals(doc.get());
+    // The box lies below the cut, so nothing inside is filled.
+    EXPECT_EQ(compact(doc.get()), "D");
+    EXPECT_TRUE(log.Has("deeper than")) << log.lines.size();
+}
+
+TEST(RemoveConditionals, OnlyMarkedEmptyElementsGo) {
+    struct Case {
+        const char* what;
+        const char* tree;
+        const char* expected;
+    };
+    const Case cases[] = {
+        {"unmarked empty elements stay", "<R><A/><B if=\"filled\"/></R>", "R(A)"},
+        {"blanks are no content", "<R><A if=\"filled\">   </A></R>", "R"},
+        {"an attribute is content", "<R><A if=\"filled\" F=\"x\"/></R>", "R(A[F=x])"},
+        {"the root stays, its mark goes", "<R if=\"filled\"/>", "R"},
+        {"stray repeat marks are wiped", "<R><A repeat=\"rows\">a</A></R>", "R(A=a)"},
+        {"order of the rest is kept", "<R><A>1</A><B if=\"filled\"/><C>3</C><D if=\"filled\"/><E>5</E></R>",
+         "R(A=1 C=3 E=5)"},
+    };
+    CXMLVar* seen = nullptr;
+    CGovTalk filler(seen);
+    for (const Case& c : cases) {
+        auto tree = parse(c.tree);
+        filler.RemoveConditionals(tree.get());
+        EXPECT_EQ(compact(tree.get()), c.expected) << c.what;
+    }
+    filler.RemoveConditionals(nullptr);  // nothing to do, and no crash
+}
+
+TEST(RemoveConditionals, ManyEmptyRowsAreRemovedInOnePass) {
+    std::string xml = "<R><L>";
+    for (int i = 0; i < 20000; ++i) xml += i == 12345 ? "<X if=\"filled\">kept</X>" : "<X if=\"filled\"/>";
+    xml += "</L></R>";
+    auto tree = parse(xml);
+    CXMLVar* seen = nullptr;
+    CGovTalk(seen).RemoveConditionals(tree.get());
+    EXPECT_EQ(compact(tree.get()), "R(L(X=kept))");
+}
+
+TEST(TaxToXML, OneChildPerBoxInKeyOrder) {
+    const std::unique_ptr<CXMLVar> tree(TaxToXML(
+        envtest::boxesOf({{"to", "31/03/2017"}, {"Q155", "100"}, {"QA10B.1", "5"}, {"xml/CT/CTchargeable", ""}})));
+    EXPECT_EQ(compact(tree.get()), "Boxes(Q155=100 QA10B.1=5 to=31/03/2017 xml/CT/CTchargeable)");
+    const std::unique_ptr<CXMLVar> empty(TaxToXML(CMapStringToString()));
+    EXPECT_EQ(compact(empty.get()), "Boxes");
+}
+
+TEST(ListBoxMap, ListsEveryPlaceholderWithItsPathAndReportsBadBraces) {
+    auto templ = parse(
+        "<R T=\"{t or 'new'}\"><A if=\"filled\"><B>{Q1:amount}</B><C>{Q2} and {Q3:date}</C></A>"
+        "<L repeat=\"rows\" N=\"{QL.#}\"><D>{QD.#:flag}</D></L><E>{oops:nothing}</E><F>plain</F></R>");
+    std::vector<CString> problems;
+    const std::vector<BoxMapEntry> entries = ListBoxMap(templ.get(), &problems);
+    const std::vector<std::vector<std::string>> expected = {
+        {"t or 'new'", "@T", "text"}, {"Q1", "A/B", "amount"},   {"Q2", "A/C", "text"},
+        {"Q3", "A/C", "date"},        {"QL.#", "L/@N", "text"}, {"QD.#", "L/D", "flag"},
+    };
+    ASSERT_EQ(entries.size(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        EXPECT_EQ(entries[i].sources, expected[i][0].c_str()) << i;
+        EXPECT_EQ(entries[i].path, expected[i][1].c_str()) << i;
+        EXPECT_EQ(entries[i].kind, expected[i][2].c_str()) << i;
+    }
+    ASSERT_EQ(problems.size(), 1u);
+    EXPECT_EQ(problems[0], "E: {oops:nothing}");
+    EXPECT_TRUE(ListBoxMap(nullptr).empty());
+}
+
+}  // namespace
