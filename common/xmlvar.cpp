@@ -59,39 +59,29 @@ bool needsEscapedName(std::string_view name) { return !isXmlName(name) || name =
 // not even as character references, so they are dropped on saving.
 bool forbiddenInXml(unsigned char c) { return c < 0x20 && c != '\t' && c != '\n' && c != '\r'; }
 
-void appendText(std::string& out, std::string_view text) {
+// Text and attribute values share one escape. A literal CR would be folded
+// into the line break by the reader; in attributes readers also normalise
+// tabs and line feeds to blanks, so those go as references there too.
+void appendEscaped(std::string& out, std::string_view text, bool attribute) {
     for (char ch : text) {
-        auto c = static_cast<unsigned char>(ch);
+        const char* reference = nullptr;
         switch (ch) {
-            case '&': out += "&amp;"; break;
-            case '<': out += "&lt;"; break;
-            case '>': out += "&gt;"; break;
-            // A literal CR would be folded into the line break by the reader.
-            case '\r': out += "&#13;"; break;
-            default:
-                if (!forbiddenInXml(c)) out += ch;
+            case '&': reference = "&amp;"; break;
+            case '<': reference = "&lt;"; break;
+            case '>': reference = "&gt;"; break;
+            case '\r': reference = "&#13;"; break;
+            case '"': reference = attribute ? "&quot;" : nullptr; break;
+            case '\t': reference = attribute ? "&#9;" : nullptr; break;
+            case '\n': reference = attribute ? "&#10;" : nullptr; break;
+            default: break;
         }
+        if (reference) out += reference;
+        else if (!forbiddenInXml(static_cast<unsigned char>(ch))) out += ch;
     }
 }
 
-// Readers normalise literal tabs and line breaks in attributes to blanks, so
-// those go as character references too.
-void appendAttrText(std::string& out, std::string_view text) {
-    for (char ch : text) {
-        auto c = static_cast<unsigned char>(ch);
-        switch (ch) {
-            case '&': out += "&amp;"; break;
-            case '<': out += "&lt;"; break;
-            case '>': out += "&gt;"; break;
-            case '"': out += "&quot;"; break;
-            case '\t': out += "&#9;"; break;
-            case '\n': out += "&#10;"; break;
-            case '\r': out += "&#13;"; break;
-            default:
-                if (!forbiddenInXml(c)) out += ch;
-        }
-    }
-}
+void appendText(std::string& out, std::string_view text) { appendEscaped(out, text, false); }
+void appendAttrText(std::string& out, std::string_view text) { appendEscaped(out, text, true); }
 
 void appendAttr(std::string& out, std::string_view name, std::string_view value) {
     out += ' ';
