@@ -1,0 +1,273 @@
+// The pattern matcher: each pattern of the type catalogue on values it must
+// accept and reject, the dialect itself, patterns outside it, and texts and
+// patterns that would hurt a backtracking matcher.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <random>
+#include <regex>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "schema/model/model.h"
+#include "schema/pattern.h"
+#include "support.h"
+
+namespace {
+
+struct PatternCase {
+    const char* pattern;
+    std::vector<std::string> accepted;
+    std::vector<std::string> rejected;
+    bool plainAscii;  // std::regex can stand as a second opinion
+};
+
+// The eighteen patterns of the catalogue.
+const std::vector<PatternCase>& catalogueCases() {
+    static const std::vector<PatternCase> cases = {
+        {"-?(([1-9][0-9]*)|0)\\.[0-9]{2}",
+         {"0.00", "12.34", "-5.00", "-0.50", "100000000000.99"},
+         {"00.00", "012.00", "1.2", "1.234", "-0", ".50", "1,000.00", "+1.00", "", "1.00 ", "\xA3" "1.00", "--1.00"},
+         true},
+        {".*\\.00",
+         {"12.00", ".00", "abc.00", "1.00.00", "\xA3\x82\xAC.00"},
+         {"12.50", "12.0", "12.00 ", "", "12.001", "1200"},
+         true},
+        {"[0-9]{1,3}\\.[0-9]{2}", {"0.00", "100.00", "999.99", "5.55"}, {"1000.00", "1.0", ".00", "-1.00", "1a.00"}, true},
+        {"[1-9][0-9]{6,7}", {"1000000", "99999999", "1234567"}, {"999999", "0123456", "123456789", "", "1234567a"}, true},
+        {"[0-9]{8}", {"00000000", "12345678"}, {"1234567", "123456789", "1234567a", ""}, true},
+        {"\\d{4}-\\d{2}-\\d{2}",
+         {"2015-04-01", "0000-00-00", "9999-99-99"},
+         {"2015-4-01", "2015/04/01", "15-04-01", "2015-04-011", "2015-04-01 ", "", "abcd-ef-gh"},
+         true},
+        {"[A-Za-z0-9 ,\\.\\(\\)/&'\\-\"!%\\*_\\+:@<>\\?=;]*",
+         {"", "Brookfield Joinery Ltd.", "A&B (UK) / C-D \"E\" ! % * _ + : @ < > ? = ;'"},
+         {"\xA3" "5", "a#b", "tab\t", "x$", "~", "\xE9t\xE9", "[", "a\\b", "{}", "a|b", "^", "`"},
+         true},
+        {"[^\xA3$#~\x82\xAC]+",
+         {"Brookfield", "\xE9", "\x80", "[]{}", "a\\b", "^", "-"},
+         {"", "\xA3", "a$", "#", "~", "\x82", "\xAC", "ok\xACok", "12 \xA3"},
+         false},
+        {"[A-Za-z0-9]*", {"", "AB12cd", "z"}, {"AB 12", "A-1", "\xA3", "_"}, true},
+        {"[A-Za-z0-9 &'\\(\\)\\*,\\-\\./]*",
+         {"", "HMRC (CT) 1.0/2-3 & 'x' *,"},
+         {"a@b", "_", "\xA3", "a\"b", "+"},
+         true},
+        {"[A-Za-z0-9 ~!\"@#$%&'\\(\\)\\*\\+,\\-\\./:;<=>\\?\\[\\\\\\]^_\\{\\}\xA3\x82\xAC]*",
+         {"", "1 High St, Flat #2", "~!\"@#$%&'()*+,-./:;<=>?[\\]^_{}", "\xA3\x82\xAC", "\xA3" "5 off"},
+         {"|", "`", "\t", "\x80", "\xE9", "a\nb", "\x81", "\xAB", "\xAD"},
+         false},
+        {"[A-Z0-9]{2,8}", {"08123456", "SC123456", "AB"}, {"A", "123456789", "sc123456", "AB 12", ""}, true},
+        {"[0-9]{6}", {"123456", "000000"}, {"12345", "1234567", "12-34-56"}, true},
+        {"[0-9]{10}", {"1234567890"}, {"12345678901", "123456789", "12345 7890"}, true},
+        {"(X[NRT]?|C[RH]|Z[BCDEFGHJKN]|EW|ST|NI)[0-9]{1,9}",
+         {"X1", "XN123456789", "XR12345", "XT9", "CR1", "CH22", "ZB12", "ZN1", "EW5", "ST9", "NI0"},
+         {"X", "XA1", "Z1", "ZA1", "ZI1", "XN1234567890", "CH", "C1", "ew1", "EW", "NI1a", " X1"},
+         true},
+        {"[0-9]{4}\\-v[0-9]{1,3}\\.[0-9]{1,3}(\\.[0-9]{1,3})?",
+         {"2022-v1.99", "2014-v1.0.1", "0000-v123.456.789"},
+         {"2022-v1", "2022v1.0", "2022-v1.0.", "2022-v1234.0", "22-v1.0", "2022-v1.0.1.2", "2022-V1.0"},
+         true},
+        {"[A-Za-z][A-Za-z'\\-]*", {"A", "Mr", "O'Neil", "Smith-Jones"}, {"", "'A", "-A", "A B", "A.", "\xC9mile"}, true},
+        {"[A-Za-z0-9 ,\\.\\(\\)/&\\-']+",
+         {"Smith", "O'Neil-Jones (Jr.), 3rd / & Co"},
+         {"", "M\xFCller", "a_b", "a\"b", "\xA3"},
+         true},
+    };
+    return cases;
+}
+
+TEST(Pattern, EachCataloguePatternAcceptsAndRejects) {
+    for (const PatternCase& c : catalogueCases()) {
+        const CSchemaPattern* p = knownPattern(c.pattern);
+        ASSERT_NE(p, nullptr) << c.pattern;
+        EXPECT_TRUE(p->IsValid()) << c.pattern;
+        for (const std::string& v : c.accepted) {
+            EXPECT_TRUE(p->Matches(v)) << c.pattern << " on \"" << v << "\"";
+            CString message = "untouched";
+            EXPECT_EQ(patternvalidate(c.pattern, v.c_str(), message), 1) << c.pattern << " on \"" << v << "\"";
+            EXPECT_EQ(message, "untouched");
+        }
+        for (const std::string& v : c.rejected) {
+            EXPECT_FALSE(p->Matches(v)) << c.pattern << " on \"" << v << "\"";
+            CString message;
+            EXPECT_EQ(patternvalidate(c.pattern, v.c_str(), message), 0) << c.pattern << " on \"" << v << "\"";
+            EXPECT_EQ(message.str(), schematest::fails(c.pattern));
+        }
+    }
+}
+
+// The tests above cover exactly the catalogue's patterns, and there are eighteen.
+TEST(Pattern, TheCatalogueHoldsTheEighteenTestedPatterns) {
+    std::set<std::string> catalogue, tested;
+    for (const char* p : schemamodel::cataloguePatterns()) catalogue.insert(p);
+    for (const PatternCase& c : catalogueCases()) tested.insert(c.pattern);
+    EXPECT_EQ(catalogue.size(), 18u);
+    EXPECT_EQ(catalogue, tested);
+}
+
+TEST(Pattern, CompiledOnceAndShared) {
+    const CSchemaPattern* a = knownPattern("[0-9]{10}");
+    EXPECT_EQ(a, knownPattern(std::string("[0-9]{1") + "0}"));
+    EXPECT_EQ(knownPattern("[0-9]{11}"), nullptr);
+    // Every catalogue pattern is small enough for the table-driven automaton.
+    for (const char* p : schemamodel::cataloguePatterns()) EXPECT_GT(knownPattern(p)->DfaStates(), 0) << p;
+}
+
+// The pound sign, 0x82 and 0xAC are single bytes inside classes, and a range
+// may run through bytes above 127.
+TEST(Pattern, BytesAbove127AreSingleBytes) {
+    struct Case {
+        const char* pattern;
+        const char* text;
+        bool matches;
+    };
+    const Case cases[] = {
+        {"[\xA3]", "\xA3", true},         {"[\xA3]", "\xC2\xA3", false},  {"[^\xA3]", "\x82", true},
+        {"[\x80-\xFF]+", "\x80\xA3\xFF", true}, {"[\x80-\xFF]+", "\x7F", false}, {".", "\xFF", true},
+        {"\xA3[0-9]+", "\xA3" "12", true}, {"[^\xA3]*", "12\xA3", false},  {"[a\xAC]{2}", "a\xAC", true},
+    };
+    for (const Case& c : cases) {
+        CString message;
+        EXPECT_EQ(patternvalidate(c.pattern, c.text, message), c.matches ? 1 : 0) << c.pattern << " / " << c.text;
+    }
+}
+
+TEST(Pattern, TheDialect) {
+    struct Case {
+        const char* pattern;
+        const char* text;
+        bool matches;
+    };
+    const Case cases[] = {
+        // whole text, never a part
+        {"b", "abc", false}, {"abc", "abc", true}, {"ab", "abc", false}, {"", "", true}, {"", "a", false},
+        // . is any one byte
+        {".", "\n", true}, {"...", "a b", true}, {".", "", false},
+        // quantifiers
+        {"a*", "", true}, {"a*", "aaaa", true}, {"a+", "", false}, {"a+", "aa", true}, {"a?", "", true},
+        {"a?", "aa", false}, {"a{3}", "aaa", true}, {"a{3}", "aa", false}, {"a{2,}", "aaaaa", true},
+        {"a{2,}", "a", false}, {"a{0,2}", "", true}, {"a{0,2}", "aaa", false}, {"a{0}", "", true},
+        {"(ab){2}", "abab", true}, {"(ab){2}", "ab", false}, {"[ab]{1,2}c", "bac", true},
+        // groups and alternation
+        {"(a|bc)d", "bcd", true}, {"(a|bc)d", "abcd", false}, {"((a|b)c|d)+", "acbcd", true},
+        {"(a|)b", "b", true}, {"a|b", "b", true}, {"()", "", true}, {"(a(b(c)))", "abc", true},
+        // classes
+        {"[a-c]", "b", true}, {"[a-c]", "d", false}, {"[^a-c]", "d", true}, {"[^a-c]", "a", false},
+        {"[\\d.]+", "1.5", true}, {"[-a]", "-", true}, {"[a-]", "-", true}, {"[a^]", "^", true},
+        {"[\\]]", "]", true}, {"[\\[]", "[", true}, {"[\\\\]", "\\", true}, {"[\\--/]", ".", true},
+        // escapes
+        {"\\d", "7", true}, {"\\d", "a", false}, {"\\.", ".", true}, {"\\.", "a", false}, {"\\(\\)", "()", true},
+        {"\\*\\+\\?", "*+?", true}, {"\\{\\}", "{}", true}, {"\\-", "-", true}, {"\\|", "|", true},
+        {"\\^", "^", true}, {"\\n", "\n", true}, {"\\t", "\t", true},
+        // no anchors in the dialect: ^ and $ are characters
+        {"^a$", "^a$", true}, {"^a$", "a", false},
+        // a quantifier binds to one atom
+        {"ab*", "abab", false}, {"ab*", "abbb", true},
+    };
+    for (const Case& c : cases) {
+        const CSchemaPattern p(c.pattern);
+        EXPECT_TRUE(p.IsValid()) << c.pattern;
+        EXPECT_EQ(p.Matches(c.text), c.matches) << c.pattern << " / " << c.text;
+    }
+}
+
+TEST(Pattern, OutsideTheDialectMatchesNothingAndSaysSo) {
+    const char* invalid[] = {
+        "(", ")", "a)", "[", "[]", "[^]", "[a", "a{2,1}", "a**", "a+*", "\\q", "\\", "a{1001}", "a{1,1001}",
+        "[z-a]", "[a-c-e]", "[a-\\d]", "{1}", "*", "+a", "?", "a{", "a{x}", "a{1", "a{,2}", "]", "}", "[a[b]]",
+        "\\w", "\\s", "\\p{L}",
+    };
+    for (const char* p : invalid) {
+        const CSchemaPattern compiled(p);
+        EXPECT_FALSE(compiled.IsValid()) << p;
+        EXPECT_FALSE(compiled.Matches("")) << p;
+        EXPECT_FALSE(compiled.Matches("a")) << p;
+        CString message;
+        EXPECT_EQ(patternvalidate(p, "a", message), 0) << p;
+        EXPECT_EQ(message.str(), std::string("cannot be checked: the pattern ") + p + " is not valid");
+    }
+    // Nesting is bounded; within the bound it compiles.
+    const std::string deep = std::string(64, '(') + "a" + std::string(64, ')');
+    EXPECT_TRUE(CSchemaPattern(deep).Matches("a"));
+    const std::string deeper = std::string(1000, '(') + "a" + std::string(1000, ')');
+    EXPECT_FALSE(CSchemaPattern(deeper).IsValid());
+    // Repeats of repeats are bounded in size and in time.
+    EXPECT_FALSE(CSchemaPattern("((a{1000}){1000}){1000}").IsValid());
+    EXPECT_FALSE(CSchemaPattern("((((((){1000}){1000}){1000}){1000}){1000})").IsValid());
+    // Null arguments are empty texts.
+    CString message;
+    EXPECT_EQ(patternvalidate(nullptr, nullptr, message), 1);
+    EXPECT_EQ(patternvalidate("a", nullptr, message), 0);
+}
+
+// A pattern whose automaton would be too large is matched by state sets,
+// with the same answers.
+TEST(Pattern, LargeAutomataFallBackToStateSets) {
+    const CSchemaPattern p("(a|b)*a(a|b){14}");
+    ASSERT_TRUE(p.IsValid());
+    EXPECT_EQ(p.DfaStates(), 0);
+    std::mt19937 random(7);
+    for (int i = 0; i < 300; ++i) {
+        std::string text;
+        const int n = static_cast<int>(random() % 30);
+        for (int k = 0; k < n; ++k) text += random() % 2 ? 'a' : 'b';
+        const bool expected = text.size() >= 15 && text[text.size() - 15] == 'a';
+        EXPECT_EQ(p.Matches(text), expected) << text;
+    }
+    EXPECT_FALSE(p.Matches("abc"));
+}
+
+// Time is linear in the text: no backtracking on nested repeats or on a long
+// value that fails at its last byte.
+TEST(Pattern, LongTextsAndNestedRepeatsStayLinear) {
+    const auto started = std::chrono::steady_clock::now();
+    const std::string longValue = std::string(4'000'000, '9') + ".00";
+    EXPECT_TRUE(knownPattern(".*\\.00")->Matches(longValue));
+    EXPECT_FALSE(knownPattern(".*\\.00")->Matches(longValue + "1"));
+    EXPECT_TRUE(knownPattern("-?(([1-9][0-9]*)|0)\\.[0-9]{2}")->Matches(longValue));
+    const std::string as(200'000, 'a');
+    EXPECT_FALSE(CSchemaPattern("(a*)*b").Matches(as));
+    EXPECT_FALSE(CSchemaPattern("(a|a)*b").Matches(as));
+    EXPECT_TRUE(CSchemaPattern("(a|aa)+").Matches(as));
+    const auto seconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
+    EXPECT_LT(seconds, 5.0);
+}
+
+// A second opinion from the standard library on texts close to the accepted
+// ones, for the patterns without bytes above 127.
+TEST(Pattern, AgreesWithStdRegexOnNearMisses) {
+    const std::string alphabet = "0123456789.-vXNRTCHZBEWSIaz '()/&*_,\"!%+:@<>?=;#$~";
+    std::mt19937 random(2024);
+    auto pick = [&] { return alphabet[random() % alphabet.size()]; };
+    for (const PatternCase& c : catalogueCases()) {
+        if (!c.plainAscii) continue;
+        const std::regex reference(c.pattern);
+        const CSchemaPattern& p = *knownPattern(c.pattern);
+        std::vector<std::string> seeds = c.accepted;
+        seeds.insert(seeds.end(), c.rejected.begin(), c.rejected.end());
+        for (const std::string& seed : seeds) {
+            for (int i = 0; i < 200; ++i) {
+                std::string text = seed;
+                const int edits = 1 + static_cast<int>(random() % 3);
+                for (int e = 0; e < edits; ++e) {
+                    const std::size_t at = text.empty() ? 0 : random() % (text.size() + 1);
+                    switch (random() % 3) {
+                        case 0: text.insert(text.begin() + static_cast<long>(at), pick()); break;
+                        case 1:
+                            if (at < text.size()) text.erase(at, 1);
+                            break;
+                        default:
+                            if (at < text.size()) text[at] = pick();
+                            break;
+                    }
+                }
+                EXPECT_EQ(p.Matches(text), std::regex_match(text, reference)) << c.pattern << " on \"" << text << "\"";
+            }
+        }
+    }
+}
+
+}  // namespace
