@@ -1,18 +1,12 @@
-#include <algorithm>
-
 #include "calculators/calculators.h"
 #include "calculators/pages_16.h"
+#include "calculators/rows.h"
 #include "liability/liability.h"
 
 namespace {
 
 // Boxes worked as amount times a percentage rate. Q410 takes its rate from
 // Q416, outside its own run of numbers.
-struct RateRow {
-    const char* box;
-    const char* amount;
-    const char* rate;
-};
 constexpr RateRow kRateRows[] = {
     {"Q345", "Q335", "Q340"}, {"Q360", "Q350", "Q355"}, {"Q375", "Q365", "Q370"},
     {"Q395", "Q385", "Q390"}, {"Q410", "Q400", "Q416"}, {"Q425", "Q415", "Q420"},
@@ -20,15 +14,14 @@ constexpr RateRow kRateRows[] = {
 
 // Totals that show an explicit nought rather than a blank.
 constexpr int kZeroBoxes[] = {165, 300, 315, 430, 440, 475, 525};
-
-double floored(double value) { return std::max(0.0, value); }
+constexpr YearLine kYearLines[] = {{"Q330", "Q335", "Q345"}, {"Q380", "Q385", "Q395"}};
 
 }  // namespace
 
 void CCT600_16Calc::Calc() {
     DoLogF("CCT600_16Calc::Calc()");
     // Clear the tax block. Through SetBox, so a user's override survives.
-    for (int n = 330; n <= 440; ++n) SetBox(BoxKey("Q%d", n), 0);
+    ClearBoxes(*this, 330, 440);
     ProfitBlock();
     Liability();
     TaxBlock();
@@ -59,10 +52,7 @@ void CCT600_16Calc::Liability() {
 }
 
 void CCT600_16Calc::TaxBlock() {
-    for (const RateRow& row : kRateRows) {
-        m_Decimals = 2;
-        SetBox(row.box, GetBox(row.amount) * GetBox(row.rate) * 0.01);
-    }
+    RateRows(*this, kRateRows);
     SetBox("Q430", Sum({"Q345", "Q360", "Q375", "Q395", "Q410", "Q425"}));
     SetBox("Q440", GetBox("Q430") - GetBox("Q435"));
     SetBox("Q470", Sum({"Q445", "Q450", "Q465"}));
@@ -76,28 +66,18 @@ void CCT600_16Calc::TotalsBlock() {
     SetBox("Q475", GetBox("Q440") - GetBox("Q470"));
     SetBox("Q500", Sum({"Q490", "Q495", "Q496"}));
     SetBox("Q510", Sum({"Q475", "Q500", "Q480", "Q516"}));
-    SetBox("Q525", floored(GetBox("Q510") - GetBox("Q515")));
-    SetBox("Q526", floored(GetBox("Q471") + GetBox("Q474") - (GetBox("Q472") + GetBox("Q473"))));
+    SetBox("Q525", FlooredAtZero(GetBox("Q510") - GetBox("Q515")));
+    SetBox("Q526", FlooredAtZero(GetBox("Q471") + GetBox("Q474") - (GetBox("Q472") + GetBox("Q473"))));
     SetBox("Q528", Sum({"Q525", "Q526", "Q527"}));
     SetBox("Q545", GetBox("Q530") + GetBox("Q540"));
     SetBox("Q560", GetBox("Q550") + GetBox("Q555"));
-    SetBox("Q570", floored(GetBox("Q545") - GetBox("Q525")));
-    SetBox("Q575", floored(GetBox("Q545") + GetBox("Q560") - GetBox("Q525") - GetBox("Q570")));
-    SetBox("Q580", floored(GetBox("Q545") + GetBox("Q560") + GetBox("Q565") - GetBox("Q525") - GetBox("Q570") -
+    SetBox("Q570", FlooredAtZero(GetBox("Q545") - GetBox("Q525")));
+    SetBox("Q575", FlooredAtZero(GetBox("Q545") + GetBox("Q560") - GetBox("Q525") - GetBox("Q570")));
+    SetBox("Q580", FlooredAtZero(GetBox("Q545") + GetBox("Q560") + GetBox("Q565") - GetBox("Q525") - GetBox("Q570") -
                            GetBox("Q575")));
-    SetBox("Q600", floored(GetBox("Q525") - GetBox("Q545") - GetBox("Q560") - GetBox("Q565") - GetBox("Q595")));
-    SetBox("Q605", floored(GetBox("Q560") + GetBox("Q565") + GetBox("Q595") + GetBox("Q545") - GetBox("Q525")));
+    SetBox("Q600", FlooredAtZero(GetBox("Q525") - GetBox("Q545") - GetBox("Q560") - GetBox("Q565") - GetBox("Q595")));
+    SetBox("Q605", FlooredAtZero(GetBox("Q560") + GetBox("Q565") + GetBox("Q595") + GetBox("Q545") - GetBox("Q525")));
     SetBox("Q670", GetBox("Q660") + GetBox("Q665"));
 }
 
-void CCT600_16Calc::ZeroMarks() {
-    for (int n : kZeroBoxes) MarkZero(BoxKey("Q%d", n));
-    if (GetBox("Q330") != 0) {
-        MarkZero("Q335");
-        MarkZero("Q345");
-    }
-    if (GetBox("Q380") != 0) {
-        MarkZero("Q385");
-        MarkZero("Q395");
-    }
-}
+void CCT600_16Calc::ZeroMarks() { MarkZeroes(*this, kZeroBoxes, kYearLines); }

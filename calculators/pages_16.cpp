@@ -1,55 +1,32 @@
 #include "calculators/pages_16.h"
 
 #include <algorithm>
-#include <cmath>
-#include <iterator>
 
+#include "calculators/rows.h"
 #include "common/library.h"
 
 namespace {
 
-// The loan-tax rate from the first day after each change of rate.
-struct LoanRateStep {
-    const char* changedAfter;
-    double rate;
+constexpr LoanPageKeys kLoanPage16{
+    {"QA15", "QA10B.%d", 6}, "QA20",
+    {{"QA30", "QA25B.%d", 6}, {"QA35", "QA25C.%d", 6}}, "QA40", "QA45",
+    {{"QA55", "QA50B.%d", 6}, {"QA60", "QA50C.%d", 6}}, "QA65", "QA70",
+    "QA80", "Q480",
 };
-constexpr LoanRateStep kLoanRates[] = {{"05/04/2022", 0.3375}, {"05/04/2016", 0.325}};
-constexpr double kLoanRateBefore2016 = 0.25;
-
-struct TonnageBand {
-    double tons;  // width of the band; the last is open
-    double perHundredPerDay;
-};
-constexpr TonnageBand kTonnageBands[] = {{1000, 0.60}, {9000, 0.45}, {15000, 0.30}, {HUGE_VAL, 0.15}};
-
-double floorAtZero(double value) { return value < 0 ? 0 : value; }
 
 void pageA(CBaseCalc& c) {
+    // The rate follows the start of the period, and each tax rounds up.
     const double rate = LoanTaxRate(c.GetBoxText("from"), c.GetBoxText("to"));
-    c.SetBox("QA15", c.SumBoxes("QA10B.%d", 1, 6));
-    c.SetBox("QA20", roundpennyup(c.GetBox("QA15") * rate));
-    c.SetBox("QA30", c.SumBoxes("QA25B.%d", 1, 6));
-    c.SetBox("QA35", c.SumBoxes("QA25C.%d", 1, 6));
-    c.SetBox("QA40", c.GetBox("QA30") + c.GetBox("QA35"));
-    c.SetBox("QA45", roundpennyup(c.GetBox("QA40") * rate));
-    c.SetBox("QA55", c.SumBoxes("QA50B.%d", 1, 6));
-    c.SetBox("QA60", c.SumBoxes("QA50C.%d", 1, 6));
-    c.SetBox("QA65", c.GetBox("QA55") + c.GetBox("QA60"));
-    c.SetBox("QA70", roundpennyup(c.GetBox("QA65") * rate));
-    c.SetBox("QA80", c.GetBox("QA20") - c.GetBox("QA45") - c.GetBox("QA70"));
-    c.SetBox("Q480", c.GetBox("QA80"));
-    if (c.GetBox("QA20") != 0) {
-        c.MarkZero("QA80");
-        c.MarkZero("Q480");
-    }
+    LoanPage(c, kLoanPage16, {rate, roundpennyup, true, true});
 }
 
+constexpr RowTotal kPageB16[] = {
+    {"QB10", "QB5F.%d", 200}, {"QB15", "QB5G.%d", 200}, {"QB20", "QB5H.%d", 200},
+    {"QB25", "QB5I.%d", 200}, {"QB30", "QB5J.%d", 200},
+};
+
 void pageB(CBaseCalc& c) {
-    c.SetBox("QB10", c.SumBoxes("QB5F.%d", 1, 200));
-    c.SetBox("QB15", c.SumBoxes("QB5G.%d", 1, 200));
-    c.SetBox("QB20", c.SumBoxes("QB5H.%d", 1, 200));
-    c.SetBox("QB25", c.SumBoxes("QB5I.%d", 1, 200));
-    c.SetBox("QB30", c.SumBoxes("QB5J.%d", 1, 200));
+    SumRows(c, kPageB16);
     c.SetBox("Q490", c.GetBox("QB30"));
 }
 
@@ -69,36 +46,24 @@ void pageE(CBaseCalc& c) {
     c.SetBox("QE125", c.Sum({"QE95", "QE100", "QE105", "QE110", "QE115", "QE120"}));
 }
 
-void pageF(CBaseCalc& c) {
-    for (int row = 1; row <= 7; ++row)
-        c.SetBox(CBaseCalc::BoxKey("QF10G.%d", row),
-                 TonnageProfit(c.GetBox(CBaseCalc::BoxKey("QF10D.%d", row)),
-                               c.GetBox(CBaseCalc::BoxKey("QF10E.%d", row))));
-    // Eight rows are summed: the eighth is entered by hand, never computed.
-    c.SetBox("QF10", roundnearest(c.SumBoxes("QF10G.%d", 1, 8)));
-    c.SetBox("Q13", c.GetBox("QF10"));
-}
-
-void pageG(CBaseCalc& c) { c.SetBox("QG1", c.SumBoxes("QG1.4.%d", 1, 5)); }
-
 // Every comparison reads the box as it stands at that step; a skipped step
 // leaves its boxes as they came in.
 void pageL(CBaseCalc& c) {
     auto box = [&c](const char* key) { return c.GetBox(key); };
-    c.SetBox("QL8", floorAtZero(box("QL5") - box("QL7")));
-    c.SetBox("QL9", floorAtZero(box("QL6") - box("QL7")));
+    c.SetBox("QL8", FlooredAtZero(box("QL5") - box("QL7")));
+    c.SetBox("QL9", FlooredAtZero(box("QL6") - box("QL7")));
     c.SetBox("QL25", box("QL15") + box("QL20"));
     if (box("QL15") > 0) c.SetBox("QL30", box("Q475"));
     c.SetBox("QL40", box("QL30") - box("QL35"));
     c.SetBox("QL45", std::min(box("QL40"), box("QL25")));
-    c.SetBox("QL50", floorAtZero(box("QL25") - box("QL45")));
+    c.SetBox("QL50", FlooredAtZero(box("QL25") - box("QL45")));
     if (box("QL50") > 0) {
         c.SetBox("QL60", box("QL15") - box("QL55"));
         if (box("QL15") > box("QL30")) c.SetBox("QL62", box("QL15") - box("QL30"));
-        if (box("QL9") > 0) c.SetBox("QL65", floorAtZero(box("QL62") - box("QL60")));
+        if (box("QL9") > 0) c.SetBox("QL65", FlooredAtZero(box("QL62") - box("QL60")));
     }
     c.SetBox("QL70", box("QL50") - box("QL65"));
-    c.SetBox("QL80", floorAtZero(box("QL70") - box("QL75")));
+    c.SetBox("QL80", FlooredAtZero(box("QL70") - box("QL75")));
     c.SetBox("QL85", box("QL70") - box("QL80"));
     c.SetBox("QL95", box("QL85") - box("QL90"));
     c.SetBox("QL105", box("QL95") - box("QL100"));
@@ -125,38 +90,16 @@ void pageL(CBaseCalc& c) {
 
 }  // namespace
 
-double LoanTaxRate(const char* from, const char* to) {
-    (void)to;  // the rate of the period's first day serves the whole page
-    for (const auto& step : kLoanRates)
-        if (after(from, step.changedAfter)) return step.rate;
-    return kLoanRateBefore2016;
-}
-
-double TonnageProfit(double tons, double days) {
-    double remaining = tons, perDay = 0;
-    for (const auto& band : kTonnageBands) {
-        const double inBand = std::min(remaining, band.tons);
-        remaining -= inBand;
-        perDay += std::trunc(inBand * 0.01) * band.perHundredPerDay;
-    }
-    return perDay * days;
-}
-
 void CalcPages16(CBaseCalc& calc) {
     pageA(calc);
     pageB(calc);
     pageC(calc);
     pageE(calc);
-    pageF(calc);
-    pageG(calc);
+    TonnagePage(calc);
+    PageG(calc);
     pageL(calc);
 }
 
 void FieldChecks16(CBaseCalc& calc) {
-    static const char* const kDateMessage = "Date must be dd/mm/yyyy - must have slashes typed in.";
-    static const char* const kAddressMessage = "Maximum 35 chars";
-    calc.SetBox("Q1000", calc.AddError(0, "from", calc.BoxDateOk("from"), kDateMessage));
-    calc.SetBox("Q1000", calc.AddError(0, "to", calc.BoxDateOk("to"), kDateMessage));
-    calc.SetBox("Q1000", calc.AddError(0, "Address1", calc.BoxLength("Address1") <= 35, kAddressMessage));
-    calc.SetBox("Q1000", calc.AddError(0, "Address2", calc.BoxLength("Address2") <= 35, kAddressMessage));
+    FieldChecks(calc, "from", "to", "Date must be dd/mm/yyyy - must have slashes typed in.");
 }

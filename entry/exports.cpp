@@ -69,9 +69,13 @@ FormEntry FindFormEntry(const char* name) {
 }
 
 void LiabilityCalc(CMapStringToString* boxes) {
-    // The second-generation liability driver is not written yet; the box map
-    // is left as it is.
-    (void)boxes;
+    // A second-generation run whose use is what it leaves behind: the changed
+    // box map and the worked report. The result map, validation and all, is
+    // thrown away. The frame of ct600_05 brackets the module's state.
+    if (!boxes) return;
+    CMapStringToString result;
+    CString prefix;
+    ct600_05(boxes, &prefix, &result);
 }
 
 void ct600lib_set_message_sink(void (*sink)(const char*, void*), void* context) { SetMessageSink(sink, context); }

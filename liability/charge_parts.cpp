@@ -10,15 +10,6 @@ namespace {
 
 constexpr const char* kEqualsRow = "<tr><td/><td align=right>=====</td></tr>";
 
-// atoi without its undefined overflow.
-int toInt(const char* text) {
-    if (!text) return 0;
-    const long value = std::strtol(text, nullptr, 10);
-    if (value > INT_MAX) return INT_MAX;
-    if (value < INT_MIN) return INT_MIN;
-    return static_cast<int>(value);
-}
-
 double taxOf(const CXMLVar* year) {
     const CXMLVar* tax = year ? year->FindChild("Tax") : nullptr;
     return tax ? std::strtod(tax->value, nullptr) : 0.0;
@@ -34,8 +25,21 @@ void amountRow(CString& out, const CString& label, double amount) {
 
 }  // namespace
 
+int ToInt(const char* text) {
+    if (!text) return 0;
+    const long value = std::strtol(text, nullptr, 10);
+    if (value > INT_MAX) return INT_MAX;
+    if (value < INT_MIN) return INT_MIN;
+    return static_cast<int>(value);
+}
+
+int AssociatesInYear(const CMapStringToString& associates, int fy) {
+    const CString* count = associates.PLookup(fmt0(fy));
+    return count ? ToInt(*count) : 0;
+}
+
 int CompanyType(CMapStringToString& boxes, CString& label) {
-    int type = toInt(boxes["co_type"]);
+    int type = ToInt(boxes["co_type"]);
     label = type == kOpenEndedInvestmentTrust ? "Open Ended Investment Trust" : "Corporation";
     const CString force = boxes["forcestandardrate"];
     DoLogF("s2=%s", force.c_str());
@@ -64,6 +68,24 @@ std::ofstream OpenTempFile(const char* fileName) {
     return std::ofstream(path.c_str(), std::ios::out | std::ios::trunc | std::ios::binary);
 }
 
+// A missing date is taken as the start or the end of the financial year of
+// the other date: the profit is then charged in that one year, with the limits
+// scaled to the days known. A practitioner would rather see that than the
+// limits scaled by a day count from year 0. With neither date no year is
+// charged, and 0 days are left for the year function to guard.
+void KnownPeriod(ChargeRun& run) {
+    if (!IsCalendarDate(run.from)) run.from.Empty();
+    if (!IsCalendarDate(run.to)) run.to.Empty();
+    if (!run.from.IsEmpty() && !run.to.IsEmpty())
+        run.days = DaysBetween(run.from, run.to) + 1;
+    else if (!run.to.IsEmpty())
+        run.days = DaysBetween(FormatString("01/04/%d", FinancialYear(run.to)), run.to) + 1;
+    else if (!run.from.IsEmpty())
+        run.days = DaysBetween(run.from, FormatString("31/03/%d", FinancialYear(run.from) + 1)) + 1;
+    else
+        run.days = 0;
+}
+
 void CheckPeriodLength(ChargeRun& run, const char* message) {
     if (run.days <= 366) return;
     // A host without a user installs a message sink; either way the run goes on.
@@ -73,31 +95,38 @@ void CheckPeriodLength(ChargeRun& run, const char* message) {
 
 void ChargeYears(ChargeRun& run, CXMLVar* root, const YearRules& rules, int associates1, int associates2) {
     int fydays = 0, totaldays = 0;
-    auto adopt = [root](CXMLVar* year) {
+    // The tax that is summed is the year's two-decimal Tax where there is a
+    // tree, and the year function's own figure where there is none.
+    auto settle = [root](CXMLVar* year, double tax) {
+        if (!year) return tax;
+        tax = taxOf(year);
         if (root)
             root->AddChild(year);
         else
             delete year;
+        return tax;
     };
     if (!run.from.IsEmpty()) {
+        double tax = 0;
         CXMLVar* year = CTyear(rules, run.from, run.to, run.FY1, fydays, totaldays, 1, run.yearBlock1, run.Profit,
                                run.portion1, run.rate1, run.BasicProfit, run.relief, associates1, run.days,
-                               run.reliefRows, 0.0, run.type);
-        run.tax1 = taxOf(year);
-        adopt(year);
+                               run.reliefRows, 0.0, run.type, &tax);
+        run.tax1 = settle(year, tax);
+        run.year1 = true;
         run.taxRows.AppendFormat("<tr><td>%d</td><td align=right>%.2f</td></tr>", run.FY1, run.tax1);
     }
     if (!run.to.IsEmpty() && run.FY1 != FinancialYear(run.to)) {
+        double tax = 0;
         CXMLVar* year = CTyear(rules, run.from, run.to, run.FY2, fydays, totaldays, 0, run.yearBlock2, run.Profit,
                                run.portion2, run.rate2, run.BasicProfit, run.relief, associates2, run.days,
-                               run.reliefRows, run.portion1, run.type);
-        run.tax2 = taxOf(year);
-        adopt(year);
+                               run.reliefRows, run.portion1, run.type, &tax);
+        run.tax2 = settle(year, tax);
+        run.year2 = true;
         run.taxRows.AppendFormat("<tr><td>%d</td><td align=right>%.2f</td></tr>", run.FY2, run.tax2);
     }
 }
 
-void SettleTotals(ChargeRun& run, CXMLVar& root) {
+void SettleTotals(ChargeRun& run, CXMLVar* root) {
     run.gross = run.tax2 + run.tax1;
     run.net = run.gross - run.relief;
     run.straddle = run.FY1 == 2005 && run.FY2 == 2006;
@@ -113,11 +142,22 @@ void SettleTotals(ChargeRun& run, CXMLVar& root) {
         run.effective = roundpenny((run.tax1 - run.relief) * 100 / divisor);
     else
         run.effective = roundpennydown(run.net * 100 / divisor);
-    root.AddChild("TotalBeforeMRR", fmt2(run.gross));
-    root.AddChild("TotalMRR", fmt2(run.relief));
-    root.AddChild("TotalAfterMRR", fmt2(run.net));
-    root.AddChild("TotalBeforeNCD", fmt2(run.net));
+    if (root) {
+        root->AddChild("TotalBeforeMRR", fmt2(run.gross));
+        root->AddChild("TotalMRR", fmt2(run.relief));
+        root->AddChild("TotalAfterMRR", fmt2(run.net));
+        root->AddChild("TotalBeforeNCD", fmt2(run.net));
+    }
     run.chargeable = run.net;
+}
+
+void SetRateLines(const ChargeRun& run, const RateLineKeys& keys, CMapStringToString& results) {
+    results[keys.year1] = fmt0(run.FY1);
+    results[keys.portion1] = fmt0(run.portion1);
+    results[keys.rate1] = fmt0(run.rate1);
+    results[keys.year2] = run.year2 ? fmt0(run.FY2) : CString();
+    results[keys.portion2] = run.year2 ? fmt0(run.portion2) : CString();
+    results[keys.rate2] = run.year2 ? fmt0(run.rate2) : CString();
 }
 
 void MatchDistributions(ChargeRun& run, CXMLVar& root) {

@@ -22,6 +22,7 @@ struct ChargeRun {
 
     // the financial years
     int days = 0;
+    bool year1 = false, year2 = false;  // which of the two years were charged
     int FY1 = 0, FY2 = 0;
     double portion1 = 0, portion2 = 0;
     double rate1 = 0, rate2 = 0;
@@ -45,8 +46,20 @@ struct ChargeRun {
     CString yearBlock1, yearBlock2, taxRows, reliefRows;
 };
 
-// The whole of calc.htm where there is no profit, less its line end.
+// The whole of calc.htm where there is no profit, less its line end. The
+// first generation's report has its own wording.
 inline constexpr const char* kNoProfitLine = "x no profit";
+inline constexpr const char* kNoProfitLine02 = "no profit";
+
+// Result keys of the rate lines of the form: financial year, portion and rate
+// of each of the two years.
+struct RateLineKeys {
+    const char *year1, *portion1, *rate1;
+    const char *year2, *portion2, *rate2;
+};
+
+// atoi without its undefined overflow.
+int ToInt(const char* text);
 
 // Company type from co_type, forced to the standard rate by forcestandardrate;
 // label receives the report's name for the type (from co_type alone).
@@ -61,18 +74,26 @@ void AddProfitFigures(CXMLVar& root, const char* typeLabel, const ChargeRun& run
 // can't be opened takes no output and stops nothing.
 std::ofstream OpenTempFile(const char* fileName);
 
+// The earlier generations go on without a date. A text that is no day of the
+// calendar counts as missing, and days is the length of what is known of the
+// period (see the definition).
+void KnownPeriod(ChargeRun& run);
+
 // A period above 366 days is shown to the user and put in the report; the
 // run goes on.
 void CheckPeriodLength(ChargeRun& run, const char* message);
 
 // The first year (when from is given) and the second (when to is given and
 // falls in another financial year), with their tax rows. Year nodes go to
-// root, or are dropped when root is null.
+// root, or are dropped when root is null or the rules keep no tree.
 void ChargeYears(ChargeRun& run, CXMLVar* root, const YearRules& rules, int associates1, int associates2);
 
 // Gross tax, relief, net and the effective rate; TotalBeforeMRR to
-// TotalBeforeNCD. The tax chargeable starts as net.
-void SettleTotals(ChargeRun& run, CXMLVar& root);
+// TotalBeforeNCD when there is a tree. The tax chargeable starts as net.
+void SettleTotals(ChargeRun& run, CXMLVar* root);
+
+// The rate lines: the first year's, and the second's or three empty texts.
+void SetRateLines(const ChargeRun& run, const RateLineKeys& keys, CMapStringToString& results);
 
 // Matching of non-corporate distributions, when the effective rate is below
 // the distribution rate and there are distributions. Can raise the tax.

@@ -41,7 +41,7 @@ void CTcharge_16(CMapStringToString* boxes, CString prefix, CMapStringToString* 
     CheckPeriodLength(run, "Error: return period cannot exceed 12 months");
     // The third generation has no boxes for associated companies.
     ChargeYears(run, &root, kYearRules16, 0, 0);
-    SettleTotals(run, root);
+    SettleTotals(run, &root);
     run.ncd = myatof(box[prefix + "Q67"]);
     MatchDistributions(run, root);
     root.AddChild("Total", fmt2(run.chargeable));
@@ -51,13 +51,7 @@ void CTcharge_16(CMapStringToString* boxes, CString prefix, CMapStringToString* 
     // works as amount times rate; the second generation's boxes stay empty.
     for (const char* key : {"Q42", "Q435", "Q66", "Q68", "Q69"}) out[key] = "";
     DoLogF("doing ct comp- %d", run.FY1);
-    out["Q330"] = fmt0(run.FY1);
-    out["Q335"] = fmt0(run.portion1);
-    out["Q340"] = fmt0(run.rate1);
-    const bool second = run.FY2 != 0 && run.FY2 != run.FY1;
-    out["Q380"] = second ? fmt0(run.FY2) : CString();
-    out["Q385"] = second ? fmt0(run.BasicProfit - run.portion1) : CString();
-    out["Q390"] = second ? fmt0(run.rate2) : CString();
+    SetRateLines(run, {"Q330", "Q335", "Q340", "Q380", "Q385", "Q390"}, out);
 
     report << ChargeReportHtml(run).str();
     SaveChargeTree(root, out);

@@ -1,6 +1,6 @@
 // The liability engine: corporation tax rates and limits by financial year,
-// the split of a return period at 31 March, marginal relief, and the
-// third-generation driver that turns the profit boxes into the tax chargeable.
+// the split of a return period at 31 March, marginal relief, and the drivers
+// of the three generations that turn the profit boxes into the tax chargeable.
 #pragma once
 
 #include "common/xmlvar.h"
@@ -45,22 +45,40 @@ bool IsCalendarDate(const char* date);
 
 // ---- one financial year's slice of a return period
 
-// What sets one generation's slice apart from the third generation's.
+// Where one generation's slice differs from the third generation's. The three
+// generations side by side are the table below the struct.
 struct YearRules {
     // A period of 0 days is apportioned over 1 day: the second-generation
     // driver goes on with a missing date, and the denominator must not be 0.
-    bool zeroDaysAsOne = false;
+    bool zeroDaysAsOne;
+    // The year's element of the report tree, and CTrate's nodes in it.
+    bool keepsTree;
+    // The second year takes what the first left, so the portions add up to
+    // the profit to the penny; otherwise each year is its own whole-pound share.
+    bool secondTakesRemainder;
+    // The year's tax to the nearest penny; otherwise rate x portion as it stands.
+    bool taxToThePenny;
+    // The year's share of marginal relief counted to the penny below;
+    // otherwise added as it stands.
+    bool reliefShareToPennyBelow;
+    // Tags around the title of the relief lines in the year's report block.
+    const char* reliefTitleOpen;
+    const char* reliefTitleClose;
 };
-inline constexpr YearRules kYearRules16{false};
-inline constexpr YearRules kYearRules05{true};
+//                                      0 days  tree   remainder  tax 1p  relief 1p  relief title
+inline constexpr YearRules kYearRules16{false,  true,  true,      true,   true,      "<b>", "</b><br>"};
+inline constexpr YearRules kYearRules05{true,   true,  true,      true,   true,      "<b>", "</b><br>"};
+inline constexpr YearRules kYearRules02{false,  false, false,     false,  false,     "<B>", "</B><BR>"};
 
 // The slice of the first (first non-zero) or second financial year of the
 // period from..to: days, share of BasicProfit, rate, tax and relief share.
 // html and reliefrows are appended to, relief is added to. Returns the year's
-// report element FY1 or FY2, which the caller adopts with AddChild.
+// report element FY1 or FY2, which the caller adopts with AddChild, or null
+// where the rules keep no tree. tax, when given, receives the year's tax.
 CXMLVar* CTyear(const YearRules& rules, const char* from, const char* to, int& fy, int& fydays, int& totaldays,
                 int first, CString& html, double Profit, double& portion, double& rate, double BasicProfit,
-                double& relief, int associates, int days, CString& reliefrows, double fy1portion, int type);
+                double& relief, int associates, int days, CString& reliefrows, double fy1portion, int type,
+                double* tax = nullptr);
 
 CXMLVar* CTyear_16(const char* from, const char* to, int& fy, int& fydays, int& totaldays, int first, CString& html,
                    double Profit, double& portion, double& rate, double BasicProfit, double& relief, int associates,
@@ -68,6 +86,16 @@ CXMLVar* CTyear_16(const char* from, const char* to, int& fy, int& fydays, int& 
 CXMLVar* CTyear_05(const char* from, const char* to, int& fy, int& fydays, int& totaldays, int first, CString& html,
                    double Profit, double& portion, double& rate, double BasicProfit, double& relief, int associates,
                    int days, CString& reliefrows, double fy1portion, int type);
+
+// The first generation's associated companies: financial year (as text) to
+// their number (as text). A year with no entry has none.
+int AssociatesInYear(const CMapStringToString& associates, int fy);
+
+// First generation: no tree, no remainder rule, no rounding of tax or relief;
+// the associated companies come by financial year. Returns the year's tax.
+double CTyear_02(const char* from, const char* to, int& fy, int& fydays, int& totaldays, int first, CString& html,
+                 double Profit, double& portion, double& rate, double BasicProfit, double& relief,
+                 const CMapStringToString& associates, int days, CString& reliefrows, int type);
 
 // ---- drivers
 
@@ -77,3 +105,14 @@ CXMLVar* CTyear_05(const char* from, const char* to, int& fy, int& fydays, int& 
 // "xml/CT/CTchargeable" in results, and writes calc.htm and ctcharge.xml to
 // the temporary folder.
 void CTcharge_16(CMapStringToString* boxes, CString prefix, CMapStringToString* results);
+
+// Second generation: as CTcharge_16 over the older boxes (Q37, Q38, the
+// associated companies in Q39 to Q41, Q67), leaving Q43..Q55, the small
+// company tick Q42, relief Q64 and the distribution boxes Q66, Q68, Q69 in
+// results, with the same report and tree.
+void CTcharge_05(CMapStringToString* boxes, CString prefix, CMapStringToString* results);
+
+// First generation: Q33 and Q34, the period in From/To (or from/to), the
+// associated companies by year in Q35..Q38; leaves Q39..Q51 and relief Q60,
+// and writes calc.htm only.
+void CTcharge_02(CMapStringToString* boxes, CString prefix, CMapStringToString* results);

@@ -1,6 +1,7 @@
 // Financial years and the slice of a return period that falls in one of them.
 #include <climits>
 #include <cstdint>
+#include <memory>
 
 #include "common/library.h"
 #include "liability/liability.h"
@@ -69,12 +70,21 @@ bool IsCalendarDate(const char* date) {
 
 CXMLVar* CTyear(const YearRules& rules, const char* from, const char* to, int& fy, int& fydays, int& totaldays,
                 int first, CString& html, double Profit, double& portion, double& rate, double BasicProfit,
-                double& relief, int associates, int days, CString& reliefrows, double fy1portion, int type) {
+                double& relief, int associates, int days, CString& reliefrows, double fy1portion, int type,
+                double* tax) {
     int year, month, day;
     splitDate(first ? from : to, year, month, day);
 
-    auto* node = new CXMLVar(first ? "FY1" : "FY2");
-    node->SetAttr("fy", node->name);
+    // The element is built only for the generations that keep a tree; every
+    // write to it below goes through this one pointer.
+    std::unique_ptr<CXMLVar> node;
+    if (rules.keepsTree) {
+        node = std::make_unique<CXMLVar>(first ? "FY1" : "FY2");
+        node->SetAttr("fy", node->name);
+    }
+    auto addChild = [&node](const char* name, const CString& value) {
+        if (node) node->AddChild(name, value);
+    };
 
     fy = month < 4 ? year - 1 : year;
     const CTime yearStart = noon(fy, 4, 1), yearEnd = noon(fy + 1, 3, 31);
@@ -93,9 +103,9 @@ CXMLVar* CTyear(const YearRules& rules, const char* from, const char* to, int& f
             if (end < yearEnd) sliceEnd = end;
         }
     }
-    node->AddChild("Year", fmt(fy));
-    node->AddChild("From", sliceStart.Format(kDayFormat));
-    node->AddChild("To", sliceEnd.Format(kDayFormat));
+    addChild("Year", fmt(fy));
+    addChild("From", sliceStart.Format(kDayFormat));
+    addChild("To", sliceEnd.Format(kDayFormat));
 
     fydays = clampToInt(static_cast<std::int64_t>(DaySpan(sliceStart, sliceEnd)) + 1);
     html.AppendFormat("<H2>Financial year %d</H2>", fy);
@@ -107,47 +117,50 @@ CXMLVar* CTyear(const YearRules& rules, const char* from, const char* to, int& f
 
     // The denominator is the whole period, leap day included, never 365.
     totaldays = (rules.zeroDaysAsOne && days == 0) ? 1 : days;
-    node->AddChild(FractionNode("Fraction", fydays, totaldays));
+    if (node) node->AddChild(FractionNode("Fraction", fydays, totaldays));
 
-    // The second year takes the remainder, so the portions add up to the
-    // profit to the penny. A 0 denominator only reaches here by a direct call.
-    if (first)
-        portion = totaldays ? roundnearest(fydays * BasicProfit / totaldays) : 0.0;
-    else
-        portion = BasicProfit - fy1portion;
-    node->AddChild("Portion", fmt2(portion));
+    // A 0 denominator only reaches here by a direct call, or from a first-
+    // generation period that ends the day before it starts.
+    const double share = totaldays ? roundnearest(fydays * BasicProfit / totaldays) : 0.0;
+    portion = (first || !rules.secondTakesRemainder) ? share : BasicProfit - fy1portion;
+    addChild("Portion", fmt2(portion));
 
     // Limits are tested on the whole period's profit and days, not the slice's.
     double msrr = 0, mscr = 0;
     CString rateText, reliefText;
-    rate = CTrate(fy, Profit, BasicProfit, msrr, mscr, rateText, reliefText, associates, days, node, type);
-    node->AddChild("Rate", fmt2(rate));
+    rate = CTrate(fy, Profit, BasicProfit, msrr, mscr, rateText, reliefText, associates, days, node.get(), type);
+    addChild("Rate", fmt2(rate));
 
     html += rateText;
     html += "<B>Chargeable profit</B><BR>";
     html.AppendFormat("%d/%d x %.0f = %.0f<BR>", fydays, totaldays, BasicProfit, portion);
-    const double tax = roundpenny(rate * 0.01 * portion);
-    html.AppendFormat("%.0f @ %.0f%% = %.2f<BR>", portion, rate, tax);
+    const double yearTax = rules.taxToThePenny ? roundpenny(rate * 0.01 * portion) : rate * portion * 0.01;
+    html.AppendFormat("%.0f @ %.0f%% = %.2f<BR>", portion, rate, yearTax);
     html += "<BR>";
 
     const double M = mscr + msrr;
     if (M > 0) {
-        const double share = totaldays ? fydays * M / totaldays : 0.0;
+        const double reliefShare = totaldays ? fydays * M / totaldays : 0.0;
         const bool starting = msrr > 0;
-        html += "<b>Marginal ";
+        html += rules.reliefTitleOpen;
+        html += "Marginal ";
         html += starting ? "Starting Rate" : "Small companies";
-        html += " relief</b><br>";
+        html += " relief";
+        html += rules.reliefTitleClose;
         html += reliefText;
-        html.AppendFormat("%d/%d x %.2f = %.2f<BR>\n", fydays, totaldays, M, share);
-        reliefrows.AppendFormat("<tr><td>%d</td><td align=right>%.2f</td></tr>", fy, share);
-        relief += roundpennydown(share);
-        CXMLVar* band = node->GetChild(starting ? "MSRR" : "MSCR");
-        band->AddChild("m1", fmt2(M));
-        band->AddChild("m2", fmt2(share));
-        band->AddChild("m3", fmt2(share));
+        html.AppendFormat("%d/%d x %.2f = %.2f<BR>\n", fydays, totaldays, M, reliefShare);
+        reliefrows.AppendFormat("<tr><td>%d</td><td align=right>%.2f</td></tr>", fy, reliefShare);
+        relief += rules.reliefShareToPennyBelow ? roundpennydown(reliefShare) : reliefShare;
+        if (node) {
+            CXMLVar* band = node->GetChild(starting ? "MSRR" : "MSCR");
+            band->AddChild("m1", fmt2(M));
+            band->AddChild("m2", fmt2(reliefShare));
+            band->AddChild("m3", fmt2(reliefShare));
+        }
     }
-    node->AddChild("Tax", fmt2(tax));
-    return node;
+    addChild("Tax", fmt2(yearTax));
+    if (tax) *tax = yearTax;
+    return node.release();
 }
 
 CXMLVar* CTyear_16(const char* from, const char* to, int& fy, int& fydays, int& totaldays, int first, CString& html,
@@ -162,4 +175,16 @@ CXMLVar* CTyear_05(const char* from, const char* to, int& fy, int& fydays, int& 
                    int days, CString& reliefrows, double fy1portion, int type) {
     return CTyear(kYearRules05, from, to, fy, fydays, totaldays, first, html, Profit, portion, rate, BasicProfit,
                   relief, associates, days, reliefrows, fy1portion, type);
+}
+
+double CTyear_02(const char* from, const char* to, int& fy, int& fydays, int& totaldays, int first, CString& html,
+                 double Profit, double& portion, double& rate, double BasicProfit, double& relief,
+                 const CMapStringToString& associates, int days, CString& reliefrows, int type) {
+    // The year is known before the slice is cut: it is the financial year of
+    // the date the slice is cut from.
+    const int inYear = AssociatesInYear(associates, FinancialYear(first ? from : to));
+    double tax = 0;
+    CTyear(kYearRules02, from, to, fy, fydays, totaldays, first, html, Profit, portion, rate, BasicProfit, relief,
+           inYear, days, reliefrows, 0.0, type, &tax);
+    return tax;
 }

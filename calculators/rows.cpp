@@ -1,0 +1,26 @@
+#include "calculators/rows.h"
+
+#include <algorithm>
+
+void RateRows(CBaseCalc& calc, std::span<const RateRow> rows) {
+    for (const RateRow& row : rows) {
+        calc.m_Decimals = 2;
+        calc.SetBox(row.box, calc.GetBox(row.amount) * calc.GetBox(row.rate) * 0.01);
+    }
+}
+
+void ClearBoxes(CBaseCalc& calc, int first, int last, std::initializer_list<int> spared) {
+    for (int n = first; n <= last; ++n)
+        if (std::find(spared.begin(), spared.end(), n) == spared.end()) calc.SetBox(CBaseCalc::BoxKey("Q%d", n), 0);
+}
+
+void MarkZeroes(CBaseCalc& calc, std::span<const int> boxes, std::span<const YearLine> years) {
+    for (int n : boxes) calc.MarkZero(CBaseCalc::BoxKey("Q%d", n));
+    for (const YearLine& line : years) {
+        if (calc.GetBox(line.year) == 0) continue;
+        calc.MarkZero(line.portion);
+        calc.MarkZero(line.tax);
+    }
+}
+
+double FlooredAtZero(double value) { return std::max(0.0, value); }

@@ -1,0 +1,265 @@
+// The first-generation driver and its year function: Q33 and the period to
+// the rate lines Q39 to Q51 and relief Q60, with calc.htm and nothing else.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "liability/liability.h"
+#include "platform/message_box.h"
+#include "support.h"
+
+namespace {
+
+struct Inputs {
+    const char *From, *To, *q33;
+    const char *q35 = "", *q36 = "", *q37 = "", *q38 = "", *q34 = "";
+};
+
+CMapStringToString charge02(const Inputs& in, const char* prefix = "", CMapStringToString* boxesOut = nullptr) {
+    CMapStringToString boxes, results;
+    const CString p(prefix);
+    boxes["From"] = in.From;
+    boxes["To"] = in.To;
+    boxes[p + "Q33"] = in.q33;
+    boxes[p + "Q34"] = in.q34;
+    boxes[p + "Q35"] = in.q35;
+    boxes[p + "Q36"] = in.q36;
+    boxes[p + "Q37"] = in.q37;
+    boxes[p + "Q38"] = in.q38;
+    CTcharge_02(&boxes, p, &results);
+    if (boxesOut) *boxesOut = boxes;
+    return results;
+}
+
+// The figure of the report's last row.
+std::string chargeableInReport() {
+    const std::string html = tempFile("calc.htm");
+    const std::string row = "<tr><td><b>Tax Chargeable</b></td><td align=right>";
+    const auto at = html.find(row);
+    if (at == std::string::npos) return "<no row>";
+    const auto start = at + row.size();
+    return html.substr(start, html.find('<', start) - start);
+}
+
+TEST(CTcharge02, ResultsWorkedByHand) {
+    struct Case {
+        const char* working;
+        Inputs in;
+        const char *q39, *q40, *q41, *q49, *q50, *q51, *q60, *chargeable;
+    };
+    const Case cases[] = {
+        {"FY2001: 30,000 x 20% = 6,000 less starting rate relief 1/40 x (50,000 - 30,000) = 500",
+         {"01/04/2001", "31/03/2002", "30000"}, "2001", "30000", "20", "", "", "", "500.00", "5500.00"},
+        {"FY2001: 8,000 at the 10% starting rate", {"01/04/2001", "31/03/2002", "8000"},
+         "2001", "8000", "10", "", "", "", "0.00", "800.00"},
+        {"calendar 2003 across FY2002 and FY2003, both 19% with 19/400: 90/365 x 40,000 = 9,863 "
+         "(1,873.97) and 275/365 x 40,000 = 30,137 (5,726.03); relief 19/400 x 10,000 = 475 in full",
+         {"01/01/2003", "31/12/2003", "40000"}, "2002", "9863", "19", "2003", "30137", "19", "475.00", "7125.00"},
+        {"FY2001 with one associate (Q35 2001, Q36 1): limits 5,000 and 25,000; 20,000 x 20% = 4,000 "
+         "less 1/40 x 5,000 = 125",
+         {"01/04/2001", "31/03/2002", "20000", "2001", "1"}, "2001", "20000", "20", "", "", "", "125.00", "3875.00"},
+        {"01/10/2001-30/09/2002, one associate in FY2001 only: 9,973 x 20% = 1,994.60 with 182/365 x 125 "
+         "= 62.33; 10,027 x 19% = 1,905.13 with 183/365 x 19/400 x 30,000 = 714.45",
+         {"01/10/2001", "30/09/2002", "20000", "2001", "1"},
+         "2001", "9973", "20", "2002", "10027", "19", "776.78", "3122.95"},
+        {"the same with three associates in FY2002 (Q37, Q38): limits 2,500 and 12,500 leave no relief there",
+         {"01/10/2001", "30/09/2002", "20000", "2001", "1", "2002", "3"},
+         "2001", "9973", "20", "2002", "10027", "19", "62.33", "3837.40"},
+        {"an associated-companies year that the period doesn't touch changes nothing",
+         {"01/04/2001", "31/03/2002", "20000", "1999", "5"}, "2001", "20000", "20", "", "", "", "750.00", "3250.00"},
+        {"two months straddling 1 April: 31/61 x 1,000 = 508.20 and 30/61 x 1,000 = 491.80, each to the pound",
+         {"01/03/2003", "30/04/2003", "1000"}, "2002", "508", "0", "2003", "492", "0", "0.00", "0.00"},
+        {"with pence, neither portion keeps them, and they need not add up: 31/61 x 1,000.60 = 508.50 "
+         "up to 509, 30/61 x 1,000.60 = 492.10 down to 492, together 1,001",
+         {"01/03/2003", "30/04/2003", "1000.60"}, "2002", "509", "0", "2003", "492", "0", "0.00", "0.00"},
+        {"other profit counts for the limits only: 30,000 + 20,000 = 50,000, the upper limit, no relief",
+         {"01/04/2001", "31/03/2002", "30000", "", "", "", "", "20000"},
+         "2001", "30000", "20", "", "", "", "0.00", "6000.00"},
+    };
+    for (const auto& c : cases) {
+        const CMapStringToString r = charge02(c.in);
+        const std::pair<const char*, const char*> expected[] = {{"Q39", c.q39}, {"Q40", c.q40}, {"Q41", c.q41},
+                                                                {"Q49", c.q49}, {"Q50", c.q50}, {"Q51", c.q51},
+                                                                {"Q60", c.q60}};
+        for (const auto& [key, value] : expected) EXPECT_EQ(result(r, key), value) << key << ": " << c.working;
+        EXPECT_EQ(chargeableInReport(), c.chargeable) << c.working;
+        EXPECT_EQ(r.GetCount(), 7) << c.working;  // no tree, no other key
+    }
+}
+
+TEST(CTcharge02, StartingRateYears) {
+    // FY2000/2001: 10% up to 10,000, then 20% with 1/40; FY2002 to 2005: 0%,
+    // then 19% with 19/400. Relief is taken as it stands, not to the penny below.
+    struct Case {
+        int fy;
+        const char *profit, *rate, *chargeable;
+    };
+    const Case cases[] = {
+        {2000, "10000", "10", "1000.00"},
+        {2001, "10040", "20", "1009.00"},  // 2,008.00 - 39,960 / 40 = 999.00
+        {2002, "10000", "0", "0.00"},
+        {2003, "10001", "19", "0.24"},     // 1,900.19 - 1,899.9525
+        {2003, "50000", "19", "9500.00"},
+        {2004, "50001", "19", "9500.19"},
+        {2005, "30000", "19", "4750.00"},
+    };
+    for (const auto& c : cases) {
+        const std::string from = "01/04/" + std::to_string(c.fy), to = "31/03/" + std::to_string(c.fy + 1);
+        const CMapStringToString r = charge02({from.c_str(), to.c_str(), c.profit});
+        EXPECT_EQ(result(r, "Q41"), c.rate) << c.fy << " " << c.profit;
+        EXPECT_EQ(chargeableInReport(), c.chargeable) << c.fy << " " << c.profit;
+    }
+}
+
+TEST(CTcharge02, ReportWordForWord) {
+    charge02({"01/04/2001", "31/03/2002", "30000"});
+    const std::string expected =
+        "<H1>Corporation tax chargeable</H1>"
+        "<H2>Financial year 2001</H2>01/04/2001 - 31/03/2002 = 365 days<BR>"
+        "<B>Chargeable profit</B><BR>365/365 x 30000 = 30000<BR>30000 @ 20% = 6000.00<BR><BR>"
+        "<B>Marginal Starting Rate relief</B><BR>(50000-30000) x (1 / 40) = 500.00<BR>\n"
+        "365/365 x 500.00 = 500.00<BR>\n"
+        "<BR/><BR/>"
+        "<H2>Totals</H2><table><tr><td><b>Tax</b></td></tr>"
+        "<tr><td>2001</td><td align=right>6000.00</td></tr>"
+        "<tr><td/><td align=right>=====</td></tr><tr><td/><td align=right>6000.00</td></tr>"
+        "<tr><td><b>Marginal relief</b></td></tr>"
+        "<tr><td>2001</td><td align=right>500.00</td></tr>"
+        "<tr><td/><td align=right>=====</td></tr><tr><td/><td align=right>500.00</td></tr>"
+        "<tr><td/><td/></tr>"
+        "<tr><td><b>Tax Chargeable</b></td><td align=right>5500.00</td></tr>"
+        "</table>";
+    EXPECT_EQ(tempFile("calc.htm"), expected);
+}
+
+TEST(CTcharge02, NoProfitLeavesTheRatesAlone) {
+    for (const char* profit : {"0", "-5", "nothing"}) {
+        const CMapStringToString r = charge02({"01/04/2001", "31/03/2002", profit});
+        for (const char* key : {"Q39", "Q40", "Q49", "Q50"}) EXPECT_EQ(result(r, key), "") << profit;
+        for (const char* key : {"Q41", "Q51", "Q60"}) EXPECT_EQ(result(r, key), "<unset>") << profit;
+        EXPECT_EQ(tempFile("calc.htm"), "no profit\n");
+    }
+}
+
+TEST(CTcharge02, WritesNoTreeAndNoTreeFile) {
+    const CString treeFile = NativePath(GetTempDir() + "\\ctcharge.xml");
+    std::remove(treeFile.c_str());
+    const CMapStringToString r = charge02({"01/04/2001", "31/03/2002", "30000"});
+    EXPECT_EQ(r.PLookup("xml/CT/CTchargeable"), nullptr);
+    EXPECT_FALSE(exists(treeFile));
+}
+
+TEST(CTcharge02, CapitalDateFieldsFirst) {
+    struct Case {
+        const char *From, *from, *To, *to, *q39;
+    };
+    const Case cases[] = {
+        {"01/04/2001", "01/04/2005", "31/03/2002", "31/03/2006", "2001"},
+        {"", "01/04/2005", "", "31/03/2006", "2005"},
+        {"", "01/04/2002", "31/03/2003", "", "2002"},
+    };
+    for (const auto& c : cases) {
+        CMapStringToString boxes, results;
+        boxes["From"] = c.From;
+        boxes["from"] = c.from;
+        boxes["To"] = c.To;
+        boxes["to"] = c.to;
+        boxes["Q33"] = "30000";
+        CTcharge_02(&boxes, "", &results);
+        EXPECT_EQ(result(results, "Q39"), c.q39);
+        EXPECT_EQ(result(results, "Q49"), "");
+    }
+}
+
+TEST(CTcharge02, ReadsBoxesUnderThePrefixAndDatesWithout) {
+    CMapStringToString boxes, results;
+    boxes["From"] = "01/04/2001";
+    boxes["To"] = "31/03/2002";
+    boxes["Q33"] = "30000";
+    boxes["SQ33"] = "8000";
+    boxes["SQ35"] = "2001";
+    boxes["SQ36"] = "1";  // limits 5,000 / 25,000: 8,000 at 20% = 1,600 less (25,000 - 8,000) / 40 = 425
+    CTcharge_02(&boxes, "S", &results);
+    EXPECT_EQ(result(results, "Q40"), "8000");
+    EXPECT_EQ(result(results, "Q60"), "425.00");
+    EXPECT_EQ(result(results, "SQ40"), "<unset>");
+    EXPECT_EQ(chargeableInReport(), "1175.00");
+}
+
+TEST(CTcharge02, PeriodAboveTwelveMonthsHasItsOwnWording) {
+    std::vector<std::string> messages;
+    SetMessageSink([](const char* text, void* ctx) { static_cast<std::vector<std::string>*>(ctx)->push_back(text); },
+                   &messages);
+    charge02({"01/04/2001", "31/03/2002", "30000"});  // 365 days
+    const CMapStringToString r = charge02({"01/04/2001", "02/04/2002", "30000"});
+    SetMessageSink(nullptr, nullptr);
+    ASSERT_EQ(messages.size(), 1u);
+    EXPECT_EQ(messages[0], "Error: accounting period cannot exceed 12 months");
+    EXPECT_EQ(tempFile("calc.htm").rfind("<H2>Error: accounting period cannot exceed 12 months</H2><H1>", 0), 0u);
+    EXPECT_EQ(result(r, "Q49"), "2002");
+}
+
+TEST(CTcharge02, BadInputDoesNotBreakTheRun) {
+    const Inputs cases[] = {{"", "", "1000"},
+                            {"garbage", "31/03/2002", "1000"},
+                            {"01/04/2002", "01/04/2001", "1000"},
+                            {"01/04/2001", "31/03/2002", "1e300", "2001", "99999999999"}};
+    for (const auto& in : cases) {
+        const CMapStringToString r = charge02(in);
+        EXPECT_NE(r.PLookup("Q60"), nullptr) << in.From << " " << in.To;
+    }
+    CTcharge_02(nullptr, "", nullptr);
+}
+
+// One call of the year function.
+struct Slice02 {
+    int fy = 0, fydays = 0, totaldays = 0;
+    double portion = 0, rate = 0, tax = 0;
+    CString html, reliefrows;
+};
+
+Slice02 slice02(const char* from, const char* to, int first, double profit, int days, double& relief,
+                const CMapStringToString& associates) {
+    Slice02 s;
+    s.tax = CTyear_02(from, to, s.fy, s.fydays, s.totaldays, first, s.html, profit, s.portion, s.rate, profit, relief,
+                      associates, days, s.reliefrows, 0);
+    return s;
+}
+
+TEST(CTyear02, TaxAndReliefShareUnrounded) {
+    CMapStringToString associates;
+    associates["2001"] = "1";
+    double relief = 0;
+    // 182/365 x 20,000 = 9,972.60 -> 9,973 at 20%; relief 125 x 182/365 = 62.3287...
+    const Slice02 one = slice02("01/10/2001", "30/09/2002", 1, 20000, 365, relief, associates);
+    EXPECT_EQ(one.fy, 2001);
+    EXPECT_EQ(one.fydays, 182);
+    EXPECT_EQ(one.portion, 9973);
+    EXPECT_EQ(one.rate, 20);
+    EXPECT_DOUBLE_EQ(one.tax, 1994.6);
+    EXPECT_DOUBLE_EQ(relief, 125.0 * 182 / 365);
+    EXPECT_NE(one.html.Find("<B>Marginal Starting Rate relief</B><BR>"), -1);
+    EXPECT_NE(one.html.Find("1 associated companies"), -1);
+    EXPECT_EQ(one.reliefrows, "<tr><td>2001</td><td align=right>62.33</td></tr>");
+    // The second year is rounded by itself and has no associates in the map.
+    const Slice02 two = slice02("01/10/2001", "30/09/2002", 0, 20000, 365, relief, associates);
+    EXPECT_EQ(two.fy, 2002);
+    EXPECT_EQ(two.portion, 10027);
+    EXPECT_DOUBLE_EQ(two.tax, 19 * 10027 * 0.01);
+    EXPECT_EQ(two.html.Find("associated"), -1);
+    EXPECT_NEAR(relief, 125.0 * 182 / 365 + 1425.0 * 183 / 365, 1e-9);
+}
+
+TEST(CTyear02, AssociatesByYear) {
+    CMapStringToString map;
+    map["2003"] = "2";
+    map["2004"] = "junk";
+    EXPECT_EQ(AssociatesInYear(map, 2003), 2);
+    EXPECT_EQ(AssociatesInYear(map, 2004), 0);
+    EXPECT_EQ(AssociatesInYear(map, 2005), 0);
+    EXPECT_EQ(map.GetCount(), 2);  // looking up adds nothing
+}
+
+}  // namespace
