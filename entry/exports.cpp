@@ -81,12 +81,3 @@ void LiabilityCalc(CMapStringToString* boxes) {
 void ct600lib_set_message_sink(void (*sink)(const char*, void*), void* context) { SetMessageSink(sink, context); }
 
 void ct600lib_set_log_sink(void (*sink)(const char*, void*), void* context) { SetLogSink(sink, context); }
-
-int do_validate(CMapStringToString* boxes, CXMLVar* errors) {
-    CT600_MANAGE_STATE();
-    (void)boxes;
-    // The rule catalogue and schema walk are not part of this build yet: say
-    // so in the error list rather than report a clean return.
-    if (errors) errors->AddChild(new CXMLVar("Error"))->AddChild("Text", "0:validation is not available in this build");
-    return 1;
-}

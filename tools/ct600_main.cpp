@@ -23,6 +23,7 @@
 namespace {
 
 constexpr int kExitOk = 0;
+constexpr int kExitErrorsFound = 1;
 constexpr int kExitBadInput = 2;
 
 const char* const kUsage =
@@ -43,12 +44,18 @@ const char* const kUsage =
     "  message FILE\n"
     "        Print the GovTalkMessage that validation builds from the box map in\n"
     "        FILE (JSON or return XML, as for calc).\n"
+    "  validate [--xml] FILE\n"
+    "        Build the message the return in FILE (JSON or return XML) would be filed\n"
+    "        in, and print every error HMRC's service would reject it for, one per\n"
+    "        line as code:message (schema errors as their text); --xml prints the\n"
+    "        Errors document instead. Exit status 0 clean, 1 errors found.\n"
     "  entries\n"
     "        List every form entry with the calculator it runs.\n"
     "  --help\n"
     "        Show this text.\n"
     "\n"
-    "exit status: 0 done, 2 unreadable or malformed input or bad usage.\n";
+    "exit status: 0 done, 1 errors found (validate), 2 unreadable or malformed\n"
+    "input or bad usage.\n";
 
 struct InputError {
     std::string message;
@@ -289,6 +296,37 @@ int commandMessage(const std::vector<std::string>& args) {
     return kExitOk;
 }
 
+int commandValidate(const std::vector<std::string>& args) {
+    std::string path;
+    bool xml = false;
+    for (const auto& arg : args) {
+        if (arg == "--xml") xml = true;
+        else if (arg == "--help") { std::fputs(kUsage, stdout); return kExitOk; }
+        else if (!arg.empty() && arg[0] == '-') throw InputError{"unknown option " + arg};
+        else if (path.empty()) path = arg;
+        else throw InputError{"validate takes one file"};
+    }
+    if (path.empty()) throw InputError{"validate needs a file"};
+    // Without its template no message can be built, and an empty error list
+    // would look like a clean return.
+    if (!exists(NativePath(JoinPath(GetCTdir(), "ctv3_16", ".xml"))))
+        throw InputError{"the message template ctv3_16.xml is missing from " + GetCTdir().str()};
+    CMapStringToString boxes = loadBoxes(path);
+    CXMLVar errors("Errors");
+    do_validate(&boxes, &errors);
+    if (xml) {
+        CString text;
+        errors.Save(text, 1);
+        std::printf("%s\n", text.c_str());
+    } else {
+        for (const CXMLVar* error : errors.children) {
+            const CXMLVar* text = error->FindChild("Text");
+            std::printf("%s\n", text ? text->value.c_str() : error->value.c_str());
+        }
+    }
+    return errors.GetChildCount() ? kExitErrorsFound : kExitOk;
+}
+
 int commandEntries() {
     int count = 0;
     const FormEntryInfo* entries = FormEntries(&count);
@@ -317,6 +355,7 @@ int main(int argc, char** argv) {
     try {
         if (command == "calc") return commandCalc(args);
         if (command == "message") return commandMessage(args);
+        if (command == "validate") return commandValidate(args);
         if (command == "entries") return commandEntries();
         throw InputError{"unknown command " + command + " (try 'ct600 --help')"};
     } catch (const InputError& e) {

@@ -74,6 +74,27 @@ TEST(Cli, AReturnXmlIsRecalculatedAsAWholeAndTheReportCopied) {
     EXPECT_TRUE(std::filesystem::exists(dir / "ctcharge.xml"));
 }
 
+TEST(Cli, ValidatePrintsOneErrorALineAndExitsOneOnErrors) {
+    setenv("CT600_TODAY", "2018-06-30", 1);  // the rules on dates compare with today
+    const std::string clean = std::string(CT600_SOURCE_DIR) + "/examples/full-return.json";
+    const Outcome ok = runCli("validate " + clean);
+    EXPECT_EQ(ok.status, 0) << ok.out;
+    EXPECT_EQ(ok.out, "");
+    const std::string faulty = writeTemp("faulty.json", "{\"form\": \"ctv3\", \"from\": \"01/04/2016\", "
+                                                        "\"to\": \"31/03/2017\", \"Q155\": \"10\"}");
+    const Outcome bad = runCli("validate " + faulty);
+    EXPECT_EQ(bad.status, 1) << bad.out;
+    EXPECT_NE(bad.out.find("9148:Box 165 must be completed if Box 155 is greater than 0 (zero)\n"), std::string::npos)
+        << bad.out;
+    const Outcome xml = runCli("validate --xml " + faulty);
+    EXPECT_EQ(xml.status, 1);
+    EXPECT_NE(xml.out.find("<Errors>"), std::string::npos) << xml.out;
+    EXPECT_NE(xml.out.find("<Text>9148:"), std::string::npos);
+    const Outcome unreadable = runCli("validate /no/such/return.json");
+    EXPECT_EQ(unreadable.status, 2);
+    unsetenv("CT600_TODAY");
+}
+
 TEST(Cli, BadInputGivesOneMessageAndExitTwo) {
     struct Case {
         std::string arguments;
