@@ -12,6 +12,9 @@ namespace {
 RuleGroups (*const kUnits[])() = {
     MessageGroups,
     CalculationGroups,
+    ReconciliationGroups,
+    PagesAtoCGroups,
+    PagesDtoJGroups,
     AttachedFilesGroups,
 };
 

@@ -43,6 +43,13 @@ RuleGroups MessageGroups();
 RuleGroups AttachedFilesGroups();
 // Groups 21 to 67: the tax calculation.
 RuleGroups CalculationGroups();
+// Groups 68 to 106: the tax outstanding or overpaid, the reconciliation,
+// enhanced expenditure, losses for surrender and repayments.
+RuleGroups ReconciliationGroups();
+// Groups 107 to 146: pages CT600A, CT600B and CT600C.
+RuleGroups PagesAtoCGroups();
+// Groups 147 to 176: pages CT600D to CT600J.
+RuleGroups PagesDtoJGroups();
 
 // Every group, ordered by number; assembled once, on first use.
 const std::vector<RuleGroup>& RuleCatalogue();
