@@ -1,16 +1,20 @@
 // Recalculation and tree round-trip speed on the sample return.
 #include <benchmark/benchmark.h>
 
+#include <expat.h>
+
 #include <fstream>
+#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "common/errors.h"
 #include "common/library.h"
 #include "entry/exports.h"
+#include "envelope/envelope.h"
 
 namespace {
-CMapStringToString sampleBoxes() {
-    std::ifstream in(CT600_SOURCE_DIR "/examples/sample-return.json");
+CMapStringToString boxesOf(const char* path) {
+    std::ifstream in(path);
     CMapStringToString boxes;
     const nlohmann::json doc = nlohmann::json::parse(in);
     for (const auto& [key, value] : doc.items())
@@ -18,21 +22,55 @@ CMapStringToString sampleBoxes() {
     return boxes;
 }
 
+CMapStringToString sampleBoxes() { return boxesOf(CT600_SOURCE_DIR "/examples/sample-return.json"); }
+CMapStringToString fullBoxes() { return boxesOf(CT600_SOURCE_DIR "/examples/full-return.json"); }
+
 void quiet(const CObList&, const CStringList*, void*) {}
 void quietLog(const char*, void*) {}
 
-void BM_ctv3_21(benchmark::State& state) {
+// One recalculation of a return through a form entry, worked report included.
+void recalculate(benchmark::State& state, FormEntry entry, const CMapStringToString& sample) {
     SetErrorSink(quiet, nullptr);
     SetLogSink(quietLog, nullptr);
-    const CMapStringToString sample = sampleBoxes();
     for (auto _ : state) {
         CMapStringToString boxes = sample, result;
         CString prefix;
-        ctv3_21(&boxes, &prefix, &result);
+        entry(&boxes, &prefix, &result);
         benchmark::DoNotOptimize(boxes);
     }
 }
-BENCHMARK(BM_ctv3_21);
+void BM_ctv3_16_sample(benchmark::State& state) { recalculate(state, ctv3_16, sampleBoxes()); }
+void BM_ctv3_21_full(benchmark::State& state) { recalculate(state, ctv3_21, fullBoxes()); }
+BENCHMARK(BM_ctv3_16_sample);
+BENCHMARK(BM_ctv3_21_full);
+
+void BM_do_validate_full(benchmark::State& state) {
+    SetLogSink(quietLog, nullptr);
+    CMapStringToString boxes = fullBoxes();
+    for (auto _ : state) {
+        CXMLVar errors("Errors");
+        do_validate(&boxes, &errors);
+        benchmark::DoNotOptimize(errors);
+    }
+}
+BENCHMARK(BM_do_validate_full);
+
+// The floor for validation: expat reading the same message and doing nothing.
+void BM_expat_parse_full_message(benchmark::State& state) {
+    SetLogSink(quietLog, nullptr);
+    CMapStringToString boxes = fullBoxes();
+    const std::unique_ptr<CXMLVar> message(quick_govtalk(&boxes, "ctv3_16"));
+    CString text;
+    message->Save(text, 1);
+    for (auto _ : state) {
+        XML_Parser parser = XML_ParserCreate(nullptr);
+        const auto status = XML_Parse(parser, text.c_str(), text.GetLength(), 1);
+        benchmark::DoNotOptimize(status);
+        XML_ParserFree(parser);
+    }
+    state.SetBytesProcessed(state.iterations() * text.GetLength());
+}
+BENCHMARK(BM_expat_parse_full_message);
 
 void BM_xml_open_save(benchmark::State& state) {
     CXMLVar tree("Return");
