@@ -68,7 +68,9 @@ TEST_F(ValidateByName, KnownFaultsComeBackInOrder) {
     const std::string widePostalLine(40, 'x');
     const Case cases[] = {
         {"box 165 does not follow from 155 and 160, and an address line too long",
-         {{"Q165", "12345"}, {"Address1", widePostalLine.c_str()}},
+         // The rest of the payee filled, so that the long line is the one schema fault.
+         {{"Q165", "12345"}, {"Q955", "Northwind Nominees Limited"}, {"Address1", widePostalLine.c_str()},
+          {"Address2", "Bristol"}, {"Q965", "NWN1234"}},
          {"9151:Box 165 must equal Box 155 minus Box 160",
           "9332:Box 235 must equal (the sum of Boxes 165, 170, 175, 180, 185, 190, 195, 200, 205 and 220 ) minus "
           "(the sum of Boxes 225 and 230 ) )",
