@@ -9,37 +9,18 @@
 #include "common/errors.h"
 #include "common/library.h"
 #include "entry/exports.h"
+#include "support.h"
 
 namespace {
 
-void quietErrors(const CObList&, const CStringList*, void*) {}
-
-class Gen1 : public testing::Test {
+class Gen1 : public testing::Test, public BoxRun<CCT600_02Calc> {
 public:
-    CMapStringToString boxes;
-    std::vector<std::pair<std::string, std::string>> errors;
-
     void SetUp() override { SetErrorSink(quietErrors, nullptr); }
     void TearDown() override { SetErrorSink(nullptr, nullptr); }
-
     Gen1& set(const char* key, const char* value) {
-        boxes[key] = value;
+        BoxRun::set(key, value);
         return *this;
     }
-    // One run of the calculator.
-    void go(const char* prefix = "") {
-        CCT600_02Calc calc;
-        CString p(prefix);
-        CMapStringToString out;
-        Helper(&calc, &boxes, &p, &out);
-        for (CObject* o : calc.m_Errors) {
-            auto* e = static_cast<CError*>(o);
-            errors.emplace_back(e->m_Field.str(), e->m_Message.str());
-        }
-    }
-    double num(const char* key) { return myatof(boxes[key]); }
-    std::string text(const char* key) { return boxes[key].str(); }
-    bool has(const char* key) const { return boxes.PLookup(key) != nullptr; }
 };
 
 TEST_F(Gen1, BothRunsInOneCallWorkedByHand) {
@@ -75,14 +56,8 @@ TEST_F(Gen1, CalendarYear2003AcrossTwoFinancialYears) {
     // 7,600.00 - 475.00 = 7,125.00, the same as 0% on 10,000 and 23.75% on 30,000.
     set("From", "01/01/2003").set("To", "31/12/2003").set("Q3", "40000");
     go();
-    EXPECT_EQ(text("Q39"), "2002");
-    EXPECT_EQ(text("Q40"), "9863");
-    EXPECT_EQ(text("Q49"), "2003");
-    EXPECT_EQ(text("Q50"), "30137");
-    EXPECT_EQ(text("Q51"), "19");
-    EXPECT_DOUBLE_EQ(num("Q42"), 1873.97);
-    EXPECT_DOUBLE_EQ(num("Q52"), 5726.03);
-    EXPECT_DOUBLE_EQ(num("Q59"), 7600);
+    expectTexts(*this, {{"Q39", "2002"}, {"Q40", "9863"}, {"Q49", "2003"}, {"Q50", "30137"}, {"Q51", "19"}});
+    expectDoubles(*this, {{"Q42", 1873.97}, {"Q52", 5726.03}, {"Q59", 7600}});
     EXPECT_EQ(text("Q60"), "475.00");
     EXPECT_DOUBLE_EQ(num("Q64"), 7125);
 }
@@ -108,20 +83,10 @@ TEST_F(Gen1, ProfitAndTaxBlocksEveryTerm) {
     set("Q56", "400").set("Q57", "40").set("Q61", "1").set("Q62", "2").set("Q148", "4").set("Q162", "8");
     set("Q66", "16").set("Q67", "32").set("Q163", "64");
     go();
-    EXPECT_EQ(num("Q5"), 600);
-    EXPECT_EQ(num("Q16"), 30);
-    EXPECT_EQ(num("Q19"), q19);
-    EXPECT_EQ(num("Q29"), q29);
-    EXPECT_EQ(num("Q30"), q19 - q29);
-    EXPECT_EQ(num("Q33"), q19 - q29 - 8);
-    EXPECT_EQ(num("Q45"), 10);
-    EXPECT_EQ(num("Q48"), 40);
-    EXPECT_EQ(num("Q55"), 90);
-    EXPECT_EQ(num("Q58"), 160);
-    EXPECT_EQ(num("Q59"), 300);  // no dates: the driver's years are empty
-    EXPECT_EQ(num("Q63"), 15);   // relief 0 + 1 + 2 + 4 + 8
-    EXPECT_EQ(num("Q64"), 285);
-    EXPECT_EQ(num("Q68"), 285 + 16 + 32 + 64);
+    expectNums(*this, {{"Q5", 600}, {"Q16", 30}, {"Q19", q19}, {"Q29", q29}, {"Q30", q19 - q29},
+        {"Q33", q19 - q29 - 8}, {"Q45", 10}, {"Q48", 40}, {"Q55", 90}, {"Q58", 160}, {"Q59", 300},  // no dates: the driver's years are empty
+        {"Q63", 15},  // relief 0 + 1 + 2 + 4 + 8
+        {"Q64", 285}, {"Q68", 285 + 16 + 32 + 64}});
 }
 
 TEST_F(Gen1, ReconciliationRows) {
@@ -164,9 +129,7 @@ TEST_F(Gen1, NoProfitBlanksYearsAndPortionsOnly) {
     set("From", "01/04/2001").set("To", "31/03/2002").set("Q41", "20").set("Q51", "19").set("Q60", "12");
     go();
     for (const char* key : {"Q39", "Q40", "Q49", "Q50"}) EXPECT_EQ(text(key), "") << key;
-    EXPECT_EQ(text("Q41"), "20");
-    EXPECT_EQ(text("Q51"), "19");
-    EXPECT_EQ(text("Q60"), "12");
+    expectTexts(*this, {{"Q41", "20"}, {"Q51", "19"}, {"Q60", "12"}});
     EXPECT_EQ(num("Q63"), 12);
 }
 
@@ -179,23 +142,12 @@ TEST_F(Gen1, PagesStayOnTheirPages) {
     set("QD1", "10").set("QD2", "5").set("QD13", "3").set("QD14", "2").set("QD6", "99");
     set("QG1.4.1", "100").set("QF10D.1", "1000").set("QF10E.1", "1");
     go();
-    EXPECT_DOUBLE_EQ(num("QA2"), 1000.01);
-    EXPECT_DOUBLE_EQ(num("QA3"), 250.0025);  // 25%, unrounded
-    EXPECT_DOUBLE_EQ(num("QA6"), 100);
-    EXPECT_DOUBLE_EQ(num("QA7"), 25);
-    EXPECT_DOUBLE_EQ(num("QA10"), 42);
+    expectDoubles(*this, {{"QA2", 1000.01}, {"QA3", 250.0025},  // 25%, unrounded
+        {"QA6", 100}, {"QA7", 25}, {"QA10", 42}});
     EXPECT_EQ(text("QA11"), "30");
     EXPECT_DOUBLE_EQ(num("QA13"), 250.0025 - 25 - 30);
-    EXPECT_EQ(num("QB1.06.13"), 3);
-    EXPECT_EQ(num("QB1.10.13"), 7);
-    EXPECT_EQ(num("QC1"), 3);
-    EXPECT_EQ(num("QC2.7"), 3);
-    EXPECT_EQ(num("QC3"), 4);
-    EXPECT_EQ(num("QC4"), 5);
-    EXPECT_EQ(num("QD3"), 15);
-    EXPECT_EQ(num("QD6"), 0);
-    EXPECT_EQ(num("QD15"), 5);
-    EXPECT_EQ(num("QD16"), 10);
+    expectNums(*this, {{"QB1.06.13", 3}, {"QB1.10.13", 7}, {"QC1", 3}, {"QC2.7", 3}, {"QC3", 4}, {"QC4", 5},
+        {"QD3", 15}, {"QD6", 0}, {"QD15", 5}, {"QD16", 10}});
     // No main box fed, no page of the later forms, no noughts on page A.
     for (const char* key : {"Q79", "Q81", "Q73", "Q13", "QG1", "QF10", "QB1.06"})
         EXPECT_FALSE(has(key)) << key;

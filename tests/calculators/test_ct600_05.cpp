@@ -9,41 +9,24 @@
 #include "calculators/calculators.h"
 #include "common/errors.h"
 #include "common/library.h"
+#include "support.h"
 
 namespace {
 
-void quietErrors(const CObList&, const CStringList*, void*) {}
-
-struct Run05 {
-    CMapStringToString boxes;
-    std::vector<std::pair<std::string, std::string>> errors;
+// The second-generation calculator, with its log lines kept.
+struct Run05 : BoxRun<CCT600_05Calc> {
     std::vector<std::string> log;
-
     Run05& set(const char* key, const char* value) {
-        boxes[key] = value;
+        BoxRun::set(key, value);
         return *this;
     }
     Run05& go(const char* prefix = "") {
-        SetErrorSink(quietErrors, nullptr);
         SetLogSink([](const char* line, void* ctx) { static_cast<std::vector<std::string>*>(ctx)->push_back(line); },
                    &log);
-        {
-            CCT600_05Calc calc;
-            CString p(prefix);
-            CMapStringToString out;
-            Helper(&calc, &boxes, &p, &out);
-            for (CObject* o : calc.m_Errors) {
-                auto* e = static_cast<CError*>(o);
-                errors.emplace_back(e->m_Field.str(), e->m_Message.str());
-            }
-        }
+        BoxRun::go(prefix);
         SetLogSink(nullptr, nullptr);
-        SetErrorSink(nullptr, nullptr);
         return *this;
     }
-    double num(const char* key) { return myatof(boxes[key]); }
-    std::string text(const char* key) { return boxes[key].str(); }
-    bool has(const char* key) const { return boxes.PLookup(key) != nullptr; }
 };
 
 Run05 year(const char* from, const char* to, const char* turnover) {
@@ -77,17 +60,11 @@ TEST(CCT600_05Calc, StraddleOf2006WithDistributions) {
     // Tax chargeable 1,900.00 - 412.05 + 4,294.57 = 5,782.52.
     Run05 r = year("01/01/2006", "31/12/2006", "30000");
     r.set("Q67", "10000").go();
-    EXPECT_EQ(r.text("Q67"), "10000");
-    EXPECT_EQ(r.text("Q44"), "7397");
-    EXPECT_EQ(r.text("Q54"), "22603");
-    EXPECT_DOUBLE_EQ(r.num("Q46"), 1405.43);
-    EXPECT_DOUBLE_EQ(r.num("Q56"), 4294.57);
-    EXPECT_DOUBLE_EQ(r.num("Q63"), 5700);
+    expectTexts(r, {{"Q67", "10000"}, {"Q44", "7397"}, {"Q54", "22603"}});
+    expectDoubles(r, {{"Q46", 1405.43}, {"Q56", 4294.57}, {"Q63", 5700}});
     EXPECT_EQ(r.text("Q64"), "234.24");
     EXPECT_DOUBLE_EQ(r.num("Q65"), 5465.76);
-    EXPECT_EQ(r.text("Q66"), "15.83");
-    EXPECT_EQ(r.text("Q68"), "1900.00");
-    EXPECT_EQ(r.text("Q69"), "-412.05");
+    expectTexts(r, {{"Q66", "15.83"}, {"Q68", "1900.00"}, {"Q69", "-412.05"}});
     EXPECT_NEAR(r.num("Q70"), 5782.52, 1e-6);
     EXPECT_NEAR(r.num("Q86"), 5782.52, 1e-6);
 }
@@ -115,10 +92,7 @@ TEST(CCT600_05Calc, ClearingSparesDistributionsAndOverrides) {
     Run05 r;
     r.set("Q50", "1000").set("Q51", "20").set("Q61", "7").set("Q67", "123").set("Q57", "400!").set("Q58", "10!");
     r.set("Q71", "5").go();
-    EXPECT_EQ(r.text("Q50"), "0.000000");
-    EXPECT_EQ(r.text("Q61"), "0.000000");
-    EXPECT_EQ(r.text("Q67"), "123");
-    EXPECT_EQ(r.text("Q57"), "400!");
+    expectTexts(r, {{"Q50", "0.000000"}, {"Q61", "0.000000"}, {"Q67", "123"}, {"Q57", "400!"}});
     EXPECT_DOUBLE_EQ(r.num("Q59"), 40);     // the override counts
     EXPECT_EQ(r.text("Q65"), "0.000000");   // Q64 of 0 leaves the clearing's 0
     // Distributions without a profit to match them to: the tax of the rows.
@@ -149,13 +123,9 @@ TEST(CCT600_05Calc, ProfitBlockEveryTerm) {
     r.set("Q23", "1000").set("Q31", "1000");  // not terms of Q33
     r.set("Q35", "5").set("Q36", "11");
     r.go();
-    EXPECT_EQ(r.num("Q5"), 1024);
-    EXPECT_EQ(r.num("Q15"), 32 + 64 + 128);  // Q12 + Q13 + Q14
-    EXPECT_EQ(r.num("Q18"), 256 - 2048);     // Q16 - Q17
-    EXPECT_EQ(r.num("Q21"), q21);
-    EXPECT_EQ(r.num("Q33"), q33);
-    EXPECT_EQ(r.num("Q34"), q21 - q33);
-    EXPECT_EQ(r.num("Q37"), q21 - q33 - 16);
+    expectNums(r, {{"Q5", 1024}, {"Q15", 32 + 64 + 128},  // Q12 + Q13 + Q14
+        {"Q18", 256 - 2048},  // Q16 - Q17
+        {"Q21", q21}, {"Q33", q33}, {"Q34", q21 - q33}, {"Q37", q21 - q33 - 16}});
 }
 
 TEST(CCT600_05Calc, SmallCompanyBoxFollowsTheComputedProfit) {
@@ -178,19 +148,14 @@ TEST(CCT600_05Calc, NoughtsShowAsZero) {
     Run05 none;
     none.go();
     for (const char* key : {"Q5", "Q34", "Q37", "Q63", "Q70", "Q78", "Q86"}) EXPECT_EQ(none.text(key), "zero") << key;
-    EXPECT_EQ(none.text("Q44"), "");        // the driver's blank; Q43 is blank, no mark
-    EXPECT_EQ(none.text("Q46"), "0.000000");
-    EXPECT_EQ(none.text("Q77"), "0.000000");  // no tax, so no mark
+    expectTexts(none, {{"Q44", ""},  // the driver's blank; Q43 is blank, no mark
+        {"Q46", "0.000000"}, {"Q77", "0.000000"}});  // no tax, so no mark
 
     // Profit only in Q38: FY2004 at the main rate on a portion of 0.
     Run05 other = year("01/04/2004", "31/03/2005", "");
     other.set("Q38", "50000").go();
-    EXPECT_EQ(other.text("Q43"), "2004");
-    EXPECT_EQ(other.text("Q45"), "30");
-    EXPECT_EQ(other.text("Q44"), "zero");
-    EXPECT_EQ(other.text("Q46"), "zero");
-    EXPECT_EQ(other.text("Q53"), "");
-    EXPECT_EQ(other.text("Q56"), "0.000000");
+    expectTexts(other, {{"Q43", "2004"}, {"Q45", "30"}, {"Q44", "zero"}, {"Q46", "zero"}, {"Q53", ""},
+        {"Q56", "0.000000"}});
 }
 
 TEST(CCT600_05Calc, TotalsAndRepayment) {
@@ -222,35 +187,15 @@ TEST(CCT600_05Calc, PagesAndTheirFeedBack) {
     r.set("QG1.4.1", "100").set("QG1.4.5", "50");
     r.go();
     // Page A at a flat 25%, unrounded.
-    EXPECT_DOUBLE_EQ(r.num("QA2"), 1003.01);
-    EXPECT_DOUBLE_EQ(r.num("QA3"), 250.7525);
-    EXPECT_DOUBLE_EQ(r.num("QA6"), 160);
-    EXPECT_DOUBLE_EQ(r.num("QA7"), 40);
-    EXPECT_DOUBLE_EQ(r.num("QA10"), 40.5);
-    EXPECT_DOUBLE_EQ(r.num("QA11"), 10.125);
-    EXPECT_DOUBLE_EQ(r.num("QA13"), 250.7525 - 40 - 10.125);
+    expectDoubles(r, {{"QA2", 1003.01}, {"QA3", 250.7525}, {"QA6", 160}, {"QA7", 40}, {"QA10", 40.5},
+        {"QA11", 10.125}, {"QA13", 250.7525 - 40 - 10.125}});
     EXPECT_EQ(r.text("Q79"), r.text("QA13"));
-    EXPECT_EQ(r.num("QB1.06"), 3);
-    EXPECT_EQ(r.num("QB1.10"), 12.5);
-    EXPECT_EQ(r.num("Q81"), 12.5);
-    EXPECT_EQ(r.num("QC1"), 7);
-    EXPECT_EQ(r.num("Q36"), 7);
-    EXPECT_EQ(r.num("QC2.8"), 3);
-    EXPECT_EQ(r.num("QC3"), 9);
-    EXPECT_EQ(r.num("Q73"), 9);
-    EXPECT_EQ(r.num("QC4"), 0);
-    EXPECT_EQ(r.num("QD3"), 15);
-    EXPECT_EQ(r.num("QD6"), 3);
-    EXPECT_EQ(r.num("QD9"), 10);
-    EXPECT_EQ(r.num("QD15"), 21);
-    EXPECT_EQ(r.num("QD16"), 0);  // 15 - 21 floored
-    EXPECT_EQ(r.num("QF10"), 3669);  // 3,668.25 + 0.30 to the pound
-    EXPECT_EQ(r.num("Q13"), 3669);
-    EXPECT_EQ(r.num("QG1"), 150);
+    expectNums(r, {{"QB1.06", 3}, {"QB1.10", 12.5}, {"Q81", 12.5}, {"QC1", 7}, {"Q36", 7}, {"QC2.8", 3},
+        {"QC3", 9}, {"Q73", 9}, {"QC4", 0}, {"QD3", 15}, {"QD6", 3}, {"QD9", 10}, {"QD15", 21}, {"QD16", 0},  // 15 - 21 floored
+        {"QF10", 3669},  // 3,668.25 + 0.30 to the pound
+        {"Q13", 3669}, {"QG1", 150}});
     // The main return read the page totals before they were worked.
-    EXPECT_EQ(r.num("Q71"), 0);
-    EXPECT_EQ(r.num("Q83"), 0);
-    EXPECT_EQ(r.num("Q37"), 0);
+    expectNums(r, {{"Q71", 0}, {"Q83", 0}, {"Q37", 0}});
     r.go();
     EXPECT_EQ(r.num("Q71"), 150);
     // No dates, so no tax: Q78 = 0 - (150 + 9), then page A's 200.6275 and page B's 12.5.

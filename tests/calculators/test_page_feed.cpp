@@ -5,10 +5,9 @@
 #include "common/errors.h"
 #include "common/library.h"
 #include "entry/exports.h"
+#include "support.h"
 
 namespace {
-
-void quietErrors(const CObList&, const CStringList*, void*) {}
 
 TEST(PageFeed, TotalsReachTheMainReturnOnTheSecondRun) {
     struct Case {

@@ -4,6 +4,7 @@
 
 #include "calculators/pages_16.h"
 #include "common/library.h"
+#include "support.h"
 
 namespace {
 
@@ -15,34 +16,7 @@ public:
     }
 };
 
-void quietErrors(const CObList&, const CStringList*, void*) {}
-
-struct PageRun {
-    CMapStringToString boxes;
-    std::vector<std::pair<std::string, std::string>> errors;  // field, message
-
-    PageRun& set(const char* key, const char* value) {
-        boxes[key] = value;
-        return *this;
-    }
-    PageRun& go() {
-        SetErrorSink(quietErrors, nullptr);
-        {
-            PagesOnly calc;
-            CString prefix;
-            CMapStringToString out;
-            Helper(&calc, &boxes, &prefix, &out);
-            for (CObject* o : calc.m_Errors) {
-                auto* e = static_cast<CError*>(o);
-                errors.emplace_back(e->m_Field.str(), e->m_Message.str());
-            }
-        }
-        SetErrorSink(nullptr, nullptr);
-        return *this;
-    }
-    double num(const char* key) { return myatof(boxes[key]); }
-    CString text(const char* key) { return boxes[key]; }
-};
+using PageRun = BoxRun<PagesOnly>;
 
 TEST(LoanTaxRate, FollowsTheFirstDayOfThePeriod) {
     struct Case {
@@ -80,9 +54,7 @@ TEST(PageA, SumsRowsTaxesThemAndFeedsBox480) {
     r.set("QA25B.2", "1000").set("QA25C.3", "1000.01");  // 2,000.01 x 0.325 = 650.00325 -> 650.01
     r.go();
     EXPECT_EQ(r.num("QA15"), 12500.50);
-    EXPECT_DOUBLE_EQ(r.num("QA20"), 4062.67);
-    EXPECT_DOUBLE_EQ(r.num("QA40"), 2000.01);
-    EXPECT_DOUBLE_EQ(r.num("QA45"), 650.01);
+    expectDoubles(r, {{"QA20", 4062.67}, {"QA40", 2000.01}, {"QA45", 650.01}});
     EXPECT_EQ(r.num("QA70"), 0);
     EXPECT_DOUBLE_EQ(r.num("QA80"), 4062.67 - 650.01);
     EXPECT_EQ(r.text("Q480"), r.text("QA80"));
@@ -91,10 +63,7 @@ TEST(PageA, SumsRowsTaxesThemAndFeedsBox480) {
 TEST(PageA, NoughtShowsAsZeroOnlyWhenTaxArose) {
     PageRun withTax;
     withTax.set("from", "01/01/2015").set("QA10B.1", "400").set("QA50B.1", "400").go();
-    EXPECT_EQ(withTax.text("QA20"), "100.000000");
-    EXPECT_EQ(withTax.text("QA70"), "100.000000");
-    EXPECT_EQ(withTax.text("QA80"), "zero");
-    EXPECT_EQ(withTax.text("Q480"), "zero");
+    expectTexts(withTax, {{"QA20", "100.000000"}, {"QA70", "100.000000"}, {"QA80", "zero"}, {"Q480", "zero"}});
     PageRun noTax;
     noTax.go();
     EXPECT_EQ(noTax.text("QA80"), "0.000000");
@@ -117,20 +86,9 @@ TEST(PagesBCEG, SumTheirRowsAndFeedTheMainReturn) {
     r.set("QE50", "1").set("QE85", "2").set("QE95", "4").set("QE120", "8");
     r.set("QG1.4.1", "100").set("QG1.4.5", "50").set("QG1.4.6", "1000");
     r.go();
-    EXPECT_EQ(r.num("QB10"), 3);
-    EXPECT_EQ(r.num("QB30"), 42.5);
-    EXPECT_EQ(r.num("Q490"), 42.5);
-    EXPECT_EQ(r.num("QC10"), 15);
-    EXPECT_EQ(r.num("Q310"), 15);
-    EXPECT_EQ(r.num("QC130"), 7);
-    EXPECT_EQ(r.num("Q312"), 7);
-    EXPECT_EQ(r.num("QC80"), 7);
-    EXPECT_EQ(r.num("QC185"), 56);
-    EXPECT_EQ(r.num("QC90"), 3);
-    EXPECT_EQ(r.num("QC195"), 9);
-    EXPECT_EQ(r.num("QE90"), 3);
-    EXPECT_EQ(r.num("QE125"), 12);
-    EXPECT_EQ(r.num("QG1"), 150);
+    expectNums(r, {{"QB10", 3}, {"QB30", 42.5}, {"Q490", 42.5}, {"QC10", 15}, {"Q310", 15}, {"QC130", 7},
+        {"Q312", 7}, {"QC80", 7}, {"QC185", 56}, {"QC90", 3}, {"QC195", 9}, {"QE90", 3}, {"QE125", 12},
+        {"QG1", 150}});
 }
 
 TEST(PageF, RowsSevenComputedEightSummedAndRounded) {
@@ -154,31 +112,11 @@ TEST(PageL, WorksThroughTheReliefSteps) {
     r.set("QL55", "100").set("QL75", "10").set("QL90", "5").set("QL100", "3");
     r.set("QL110", "2").set("QL115", "1").set("QL135", "4").set("QL170", "9").set("QL175", "6").set("QL194", "11");
     r.go();
-    EXPECT_EQ(r.num("QL8"), 400);
-    EXPECT_EQ(r.num("QL9"), 200);
-    EXPECT_EQ(r.num("QL25"), 1200);
-    EXPECT_EQ(r.num("QL30"), 700);
-    EXPECT_EQ(r.num("QL40"), 650);
-    EXPECT_EQ(r.num("QL45"), 650);
-    EXPECT_EQ(r.num("QL50"), 550);
-    EXPECT_EQ(r.num("QL60"), 900);
-    EXPECT_EQ(r.num("QL62"), 300);
-    EXPECT_EQ(r.num("QL65"), 0);    // 300 - 900 floored
-    EXPECT_EQ(r.num("QL70"), 550);
-    EXPECT_EQ(r.num("QL80"), 540);
-    EXPECT_EQ(r.num("QL85"), 10);
-    EXPECT_EQ(r.num("QL95"), 5);
-    EXPECT_EQ(r.num("QL105"), 2);
-    EXPECT_EQ(r.num("QL120"), 3);
-    EXPECT_EQ(r.num("QL125"), -1);
-    EXPECT_EQ(r.num("QL129"), 400);
-    EXPECT_EQ(r.num("QL140"), -4);
-    EXPECT_EQ(r.num("QL150"), 536);
-    EXPECT_EQ(r.num("QL165"), 7);
-    EXPECT_EQ(r.num("QL180"), 3);
-    EXPECT_EQ(r.num("QL210"), 650 + 2 + 6 + 11);
-    EXPECT_EQ(r.num("Q530"), 669);
-    EXPECT_EQ(r.num("Q880"), -1);
+    expectNums(r, {{"QL8", 400}, {"QL9", 200}, {"QL25", 1200}, {"QL30", 700}, {"QL40", 650}, {"QL45", 650},
+        {"QL50", 550}, {"QL60", 900}, {"QL62", 300}, {"QL65", 0},  // 300 - 900 floored
+        {"QL70", 550}, {"QL80", 540}, {"QL85", 10}, {"QL95", 5}, {"QL105", 2}, {"QL120", 3}, {"QL125", -1},
+        {"QL129", 400}, {"QL140", -4}, {"QL150", 536}, {"QL165", 7}, {"QL180", 3}, {"QL210", 650 + 2 + 6 + 11},
+        {"Q530", 669}, {"Q880", -1}});
 }
 
 TEST(PageL, SkippedStepsKeepTheirFormerValues) {
@@ -188,9 +126,7 @@ TEST(PageL, SkippedStepsKeepTheirFormerValues) {
     r.set("QL30", "80").set("QL35", "30").set("QL60", "11").set("QL62", "22").set("QL65", "33");
     r.go();
     EXPECT_EQ(r.text("QL30"), "80");
-    EXPECT_EQ(r.num("QL40"), 50);
-    EXPECT_EQ(r.num("QL45"), 0);
-    EXPECT_EQ(r.num("QL50"), 0);
+    expectNums(r, {{"QL40", 50}, {"QL45", 0}, {"QL50", 0}});
     EXPECT_EQ(r.text("QL60"), "11");
     EXPECT_EQ(r.text("QL62"), "22");
     EXPECT_EQ(r.num("QL70"), -33);

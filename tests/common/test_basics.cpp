@@ -32,12 +32,12 @@ TEST(Myatof, ReadsTheNumberAtTheFront) {
     EXPECT_EQ(myatof(std::string(400, '9').c_str()), 0);  // beyond double: not finite
 }
 
-TEST(ParseDate, AcceptsTheTextForms) {
+TEST(ParseDate, TextFormsAndYearFirstXmlForms) {
     struct Case {
         const char* text;
         int ok, year, month, day;
     };
-    const Case cases[] = {
+    const Case text[] = {
         {"05/04/2016", 1, 2016, 4, 5}, {"5/4/16", 1, 16, 4, 5},       {" 05/4/2016 ", 1, 2016, 4, 5},
         {"99/99/9999", 1, 9999, 99, 99},
         {"31-12-99", 0, 0, 0, 0},      {"1.2.2003", 0, 0, 0, 0},      {"2016-04-05", 0, 0, 0, 0},
@@ -46,30 +46,21 @@ TEST(ParseDate, AcceptsTheTextForms) {
         {"05/04-2016", 0, 0, 0, 0},    {"05//2016", 0, 0, 0, 0},     {"05/04/20160", 0, 0, 0, 0},
         {"-5/04/2016", 0, 0, 0, 0},    {"05 04 2016", 0, 0, 0, 0},   {"today", 0, 0, 0, 0},
     };
-    for (const auto& c : cases) {
-        int y = -1, m = -1, d = -1;
-        EXPECT_EQ(ParseDate(c.text, y, m, d), c.ok) << c.text;
-        EXPECT_EQ(y, c.year) << c.text;
-        EXPECT_EQ(m, c.month) << c.text;
-        EXPECT_EQ(d, c.day) << c.text;
-    }
-}
-
-TEST(ParseXmlDate, TakesOnlyYearFirstWithHyphens) {
-    struct Case {
-        const char* text;
-        int ok, year, month, day;
-    };
-    const Case cases[] = {
+    // XML dates: year first with hyphens only.
+    const Case xml[] = {
         {"2016-04-05", 1, 2016, 4, 5}, {" 2016-4-5 ", 1, 2016, 4, 5}, {"2023-02-31", 1, 2023, 2, 31},
         {"16-04-05", 0, 0, 0, 0},      {"05/04/2016", 0, 0, 0, 0},    {"2016-04", 0, 0, 0, 0},
         {"2016-04-05Z", 0, 0, 0, 0},   {"", 0, 0, 0, 0},
     };
-    for (const auto& c : cases) {
-        int y = -1, m = -1, d = -1;
-        EXPECT_EQ(ParseXmlDate(c.text, y, m, d), c.ok) << c.text;
-        EXPECT_EQ(y * 10000 + m * 100 + d, c.year * 10000 + c.month * 100 + c.day) << c.text;
-    }
+    const auto check = [](const auto& cases, int (*parse)(const char*, int&, int&, int&)) {
+        for (const Case& c : cases) {
+            int y = -1, m = -1, d = -1;
+            EXPECT_EQ(parse(c.text, y, m, d), c.ok) << c.text;
+            EXPECT_EQ(std::vector<int>({y, m, d}), std::vector<int>({c.year, c.month, c.day})) << c.text;
+        }
+    };
+    check(text, ParseDate);
+    check(xml, ParseXmlDate);
 }
 
 TEST(Yyyy, WidensTwoDigitYears) {

@@ -29,16 +29,13 @@ TEST(Errors, XmlDocumentReadsBack) {
     ASSERT_EQ(doc.CountChildren("Error"), 2);
     const CXMLVar* e = doc.children[0];
     ASSERT_EQ(e->GetChildCount(), 3);
-    EXPECT_EQ(e->children[0]->name, "Field");
-    EXPECT_EQ(e->children[1]->name, "Code");
-    EXPECT_EQ(e->children[2]->name, "Text");
-    EXPECT_EQ(e->children[0]->value, "QA15");
-    EXPECT_EQ(e->children[1]->value, "0");
-    EXPECT_EQ(e->children[2]->value, "Amount & date <required>");
-    e = doc.children[1];
-    EXPECT_EQ(e->children[0]->value, "xml/CT/CTchargeable");
-    EXPECT_EQ(e->children[1]->value, "7");
-    EXPECT_EQ(e->children[2]->value, "Error 7");
+    const char* names[] = {"Field", "Code", "Text"};
+    const char* values[2][3] = {{"QA15", "0", "Amount & date <required>"}, {"xml/CT/CTchargeable", "7", "Error 7"}};
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(e->children[i]->name, names[i]);
+        EXPECT_EQ(e->children[i]->value, values[0][i]);
+        EXPECT_EQ(doc.children[1]->children[i]->value, values[1][i]);
+    }
 
     ASSERT_EQ(doc.Open(xmlerrors(CObList())), 1);
     EXPECT_EQ(doc.name, kCalcErrorsRoot);

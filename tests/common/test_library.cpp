@@ -40,18 +40,14 @@ private:
 }  // namespace
 
 TEST(Text, Formatting) {
-    EXPECT_EQ(fmt(-42), "-42");
-    EXPECT_EQ(fmt("%05d", 42), "00042");
-    EXPECT_EQ(fmt("Q%dX", 7), "Q7X");
-    EXPECT_EQ(fmt("%s", 7), "7");        // a format that does not take an int
-    EXPECT_EQ(fmt("%d %d", 7), "7");
-    EXPECT_EQ(fmt(nullptr, 7), "7");
-    EXPECT_EQ(fmt0(2.5), "2");
-    EXPECT_EQ(fmt0(1234.6), "1235");
-    EXPECT_EQ(fmt2(2.675), "2.67");  // plain printf on the binary value
-    EXPECT_EQ(fmt2(roundpenny(-0.001)), "0.00");
-    EXPECT_EQ(quote("a b"), "\"a b\"");
-    EXPECT_EQ(ToLower("ABC d\xA3"), "abc d\xA3");
+    // fmt("%s") and fmt("%d %d") take no int and fall back; fmt2 is plain printf on the binary value.
+    const std::pair<CString, const char*> cases[] = {
+        {fmt(-42), "-42"},     {fmt("%05d", 42), "00042"}, {fmt("Q%dX", 7), "Q7X"},  {fmt("%s", 7), "7"},
+        {fmt("%d %d", 7), "7"}, {fmt(nullptr, 7), "7"},     {fmt0(2.5), "2"},         {fmt0(1234.6), "1235"},
+        {fmt2(2.675), "2.67"}, {fmt2(roundpenny(-0.001)), "0.00"}, {quote("a b"), "\"a b\""},
+        {ToLower("ABC d\xA3"), "abc d\xA3"},
+    };
+    for (const auto& [got, want] : cases) EXPECT_EQ(got, want);
 }
 
 TEST(Text, InsertSpaces) {
@@ -164,10 +160,10 @@ TEST(Base64, FromFile) {
 TEST(Folders, PathsAndOverrides) {
     EXPECT_EQ(NativePath(GetTempDir() + "\\t.xml"), GetTempDir() + "/t.xml");
     EXPECT_EQ(NativePath("a\\\\b//c\\/d"), "a/b/c/d");
-    EXPECT_EQ(JoinPath("dir", "name", ".xml"), "dir/name.xml");
-    EXPECT_EQ(JoinPath("dir/", "name", ".xml"), "dir/name.xml");
-    EXPECT_EQ(JoinPath("dir\\", "name", ""), "dir\\name");
-    EXPECT_EQ(JoinPath("", "name", ".xml"), "name.xml");
+    for (const auto& [got, want] : {std::pair<CString, const char*>{JoinPath("dir", "name", ".xml"), "dir/name.xml"},
+                                    {JoinPath("dir/", "name", ".xml"), "dir/name.xml"},
+                                    {JoinPath("dir\\", "name", ""), "dir\\name"}, {JoinPath("", "name", ".xml"), "name.xml"}})
+        EXPECT_EQ(got, want);
 
     const CString tempFolder = GetTempDir() + "/override";
     {

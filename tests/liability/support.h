@@ -1,12 +1,18 @@
 // Small helpers shared by the liability suites.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <fstream>
+#include <initializer_list>
 #include <sstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "common/library.h"
 #include "common/xmlvar.h"
+#include "platform/message_box.h"
 
 // Value at a path of child names ("FY1/MSCR/m2"), or "<missing>".
 inline std::string valueAt(const CXMLVar& root, const char* path) {
@@ -28,3 +34,19 @@ inline std::string result(const CMapStringToString& map, const char* key) {
     const CString* text = map.PLookup(key);
     return text ? std::string(text->c_str()) : "<unset>";
 }
+
+using Texts = std::initializer_list<std::pair<const char*, const char*>>;
+
+// Each key of a result map against its expected text ("<unset>" for no key).
+inline void expectResults(const CMapStringToString& map, Texts rows, const std::string& why = "") {
+    for (const auto& [key, value] : rows) EXPECT_EQ(result(map, key), value) << key << " " << why;
+}
+
+// Collects the messages shown while it lives.
+struct MessageLog {
+    std::vector<std::string> lines;
+    MessageLog() {
+        SetMessageSink([](const char* text, void* ctx) { static_cast<MessageLog*>(ctx)->lines.push_back(text); }, this);
+    }
+    ~MessageLog() { SetMessageSink(nullptr, nullptr); }
+};

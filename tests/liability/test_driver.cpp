@@ -68,15 +68,9 @@ TEST(CTcharge16, ResultsByScenario) {
     };
     for (const auto& c : cases) {
         const CMapStringToString r = charge(c.in);
-        EXPECT_EQ(result(r, "Q330"), c.q330) << c.why;
-        EXPECT_EQ(result(r, "Q335"), c.q335) << c.why;
-        EXPECT_EQ(result(r, "Q340"), c.q340) << c.why;
-        EXPECT_EQ(result(r, "Q380"), c.q380) << c.why;
-        EXPECT_EQ(result(r, "Q385"), c.q385) << c.why;
-        EXPECT_EQ(result(r, "Q390"), c.q390) << c.why;
-        EXPECT_EQ(result(r, "Q70"), c.q70) << c.why;
-        for (const char* key : {"Q42", "Q435", "Q66", "Q68", "Q69"}) EXPECT_EQ(result(r, key), "") << c.why;
-        EXPECT_EQ(result(r, "Q345"), "<unset>") << c.why;
+        expectResults(r, {{"Q330", c.q330}, {"Q335", c.q335}, {"Q340", c.q340}, {"Q380", c.q380}, {"Q385", c.q385},
+                          {"Q390", c.q390}, {"Q70", c.q70}, {"Q42", ""}, {"Q435", ""}, {"Q66", ""}, {"Q68", ""},
+                          {"Q69", ""}, {"Q345", "<unset>"}}, c.why);
     }
 }
 
@@ -132,20 +126,14 @@ TEST(CTcharge16, HugeFiguresDoNotBreakTheRun) {
     }
 }
 
-std::vector<std::string> g_messages;
-void capture(const char* text, void*) { g_messages.push_back(text); }
-
 TEST(CTcharge16, PeriodAboveTwelveMonthsIsShownOnceAndTheRunGoesOn) {
-    SetMessageSink(capture, nullptr);
-    g_messages.clear();
+    MessageLog messages;
     charge({"01/04/2011", "31/03/2012", "100000"});  // 366 days: accepted
-    EXPECT_TRUE(g_messages.empty());
+    EXPECT_TRUE(messages.lines.empty());
     // 367 days: FY2010 365 days at 21%, FY2011 2 days at 20%.
     // 365/367 x 100,000 = 99,455.04 -> 99,455 x 21% = 20,885.55; 545 x 20% = 109.00.
     const CMapStringToString r = charge({"01/04/2010", "02/04/2011", "100000"});
-    SetMessageSink(nullptr, nullptr);
-    ASSERT_EQ(g_messages.size(), 1u);
-    EXPECT_EQ(g_messages[0], "Error: return period cannot exceed 12 months");
+    EXPECT_EQ(messages.lines, std::vector<std::string>{"Error: return period cannot exceed 12 months"});
     EXPECT_EQ(result(r, "Q70"), "20994.55");
     EXPECT_EQ(tempFile("calc.htm").rfind("<H2>Error: return period cannot exceed 12 months</H2>"
                                          "<H1>Corporation tax chargeable</H1><H2>Financial year 2010</H2>",

@@ -182,21 +182,15 @@ TEST(CTcharge02, ReadsBoxesUnderThePrefixAndDatesWithout) {
     boxes["SQ35"] = "2001";
     boxes["SQ36"] = "1";  // limits 5,000 / 25,000: 8,000 at 20% = 1,600 less (25,000 - 8,000) / 40 = 425
     CTcharge_02(&boxes, "S", &results);
-    EXPECT_EQ(result(results, "Q40"), "8000");
-    EXPECT_EQ(result(results, "Q60"), "425.00");
-    EXPECT_EQ(result(results, "SQ40"), "<unset>");
+    expectResults(results, {{"Q40", "8000"}, {"Q60", "425.00"}, {"SQ40", "<unset>"}});
     EXPECT_EQ(chargeableInReport(), "1175.00");
 }
 
 TEST(CTcharge02, PeriodAboveTwelveMonthsHasItsOwnWording) {
-    std::vector<std::string> messages;
-    SetMessageSink([](const char* text, void* ctx) { static_cast<std::vector<std::string>*>(ctx)->push_back(text); },
-                   &messages);
+    MessageLog messages;
     charge02({"01/04/2001", "31/03/2002", "30000"});  // 365 days
     const CMapStringToString r = charge02({"01/04/2001", "02/04/2002", "30000"});
-    SetMessageSink(nullptr, nullptr);
-    ASSERT_EQ(messages.size(), 1u);
-    EXPECT_EQ(messages[0], "Error: accounting period cannot exceed 12 months");
+    EXPECT_EQ(messages.lines, std::vector<std::string>{"Error: accounting period cannot exceed 12 months"});
     EXPECT_EQ(tempFile("calc.htm").rfind("<H2>Error: accounting period cannot exceed 12 months</H2><H1>", 0), 0u);
     EXPECT_EQ(result(r, "Q49"), "2002");
 }

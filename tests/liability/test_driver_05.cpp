@@ -165,9 +165,7 @@ TEST(CTcharge05, NoProfitBlanksTheFirstYearOnly) {
 }
 
 TEST(CTcharge05, AMissingDateStandsForTheEdgeOfTheOtherDatesYear) {
-    std::vector<std::string> messages;
-    SetMessageSink([](const char* text, void* ctx) { static_cast<std::vector<std::string>*>(ctx)->push_back(text); },
-                   &messages);
+    MessageLog messages;
     struct Case {
         Inputs in;
         const char *q43, *q44, *q53, *q54, *q55, *chargeable;
@@ -184,25 +182,17 @@ TEST(CTcharge05, AMissingDateStandsForTheEdgeOfTheOtherDatesYear) {
     };
     for (const auto& c : cases) {
         const CMapStringToString r = charge05(c.in);
-        EXPECT_EQ(result(r, "Q43"), c.q43) << c.in.from << "-" << c.in.to;
-        EXPECT_EQ(result(r, "Q44"), c.q44) << c.in.from << "-" << c.in.to;
-        EXPECT_EQ(result(r, "Q53"), c.q53) << c.in.from << "-" << c.in.to;
-        EXPECT_EQ(result(r, "Q54"), c.q54) << c.in.from << "-" << c.in.to;
-        EXPECT_EQ(result(r, "Q55"), c.q55) << c.in.from << "-" << c.in.to;
-        EXPECT_EQ(total(r), c.chargeable) << c.in.from << "-" << c.in.to;
+        const std::string why = std::string(c.in.from) + "-" + c.in.to;
+        expectResults(r, {{"Q43", c.q43}, {"Q44", c.q44}, {"Q53", c.q53}, {"Q54", c.q54}, {"Q55", c.q55}}, why);
+        EXPECT_EQ(total(r), c.chargeable) << why;
     }
-    SetMessageSink(nullptr, nullptr);
-    EXPECT_TRUE(messages.empty());
+    EXPECT_TRUE(messages.lines.empty());
 }
 
 TEST(CTcharge05, PeriodAboveTwelveMonthsIsShownAndTheRunGoesOn) {
-    std::vector<std::string> messages;
-    SetMessageSink([](const char* text, void* ctx) { static_cast<std::vector<std::string>*>(ctx)->push_back(text); },
-                   &messages);
+    MessageLog messages;
     const CMapStringToString r = charge05({"01/04/2004", "02/04/2005", "30000"});
-    SetMessageSink(nullptr, nullptr);
-    ASSERT_EQ(messages.size(), 1u);
-    EXPECT_EQ(messages[0], "Error: return period cannot exceed 12 months");
+    EXPECT_EQ(messages.lines, std::vector<std::string>{"Error: return period cannot exceed 12 months"});
     EXPECT_EQ(result(r, "Q53"), "2005");
     EXPECT_EQ(tempFile("calc.htm").rfind("<H2>Error: return period cannot exceed 12 months</H2>", 0), 0u);
 }

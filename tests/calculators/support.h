@@ -1,0 +1,63 @@
+// Helpers shared by the calculator suites.
+#pragma once
+
+#include <initializer_list>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "common/errors.h"
+#include "common/library.h"
+#include "entry/calcbase.h"
+
+using Nums = std::initializer_list<std::pair<const char*, double>>;
+using Texts = std::initializer_list<std::pair<const char*, const char*>>;
+using Errors = std::vector<std::pair<std::string, std::string>>;  // field, message
+
+inline void quietErrors(const CObList&, const CStringList*, void*) {}
+
+// One run of a calculator over a box map, errors kept quiet and collected.
+template <class Calc>
+struct BoxRun {
+    CMapStringToString boxes;
+    Errors errors;
+
+    BoxRun& set(const char* key, const char* value) {
+        boxes[key] = value;
+        return *this;
+    }
+    BoxRun& go(const char* prefix = "") {
+        SetErrorSink(quietErrors, nullptr);
+        {
+            Calc calc;
+            CString p(prefix);
+            CMapStringToString out;
+            Helper(&calc, &boxes, &p, &out);
+            for (CObject* o : calc.m_Errors) {
+                auto* e = static_cast<CError*>(o);
+                errors.emplace_back(e->m_Field.str(), e->m_Message.str());
+            }
+        }
+        SetErrorSink(nullptr, nullptr);
+        return *this;
+    }
+    double num(const char* key) { return myatof(boxes[key]); }
+    std::string text(const char* key) { return boxes[key].str(); }
+    bool has(const char* key) const { return boxes.PLookup(key) != nullptr; }
+};
+
+// Each box of a run against its expected text or figure, the key in any failure.
+template <class R>
+void expectTexts(R& r, Texts rows) {
+    for (const auto& [k, v] : rows) EXPECT_EQ(r.text(k), v) << k;
+}
+template <class R>
+void expectNums(R& r, Nums rows) {
+    for (const auto& [k, v] : rows) EXPECT_EQ(r.num(k), v) << k;
+}
+template <class R>
+void expectDoubles(R& r, Nums rows) {
+    for (const auto& [k, v] : rows) EXPECT_DOUBLE_EQ(r.num(k), v) << k;
+}
