@@ -1,6 +1,5 @@
 // The ct600 command-line host, run as a user would run it.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -8,25 +7,13 @@
 #include <iterator>
 #include <string>
 
+#include "support/run_cli.h"
+
 namespace {
 
-struct Outcome {
-    int status;
-    std::string out;
-};
+using Outcome = CliOutcome;
 
-Outcome runCli(const std::string& arguments) {
-    const std::string command = std::string(CT600_CLI) + " " + arguments + " 2>&1";
-    FILE* pipe = popen(command.c_str(), "r");
-    Outcome outcome{-1, ""};
-    if (!pipe) return outcome;
-    char buffer[4096];
-    std::size_t n;
-    while ((n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) outcome.out.append(buffer, n);
-    const int raw = pclose(pipe);
-    outcome.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    return outcome;
-}
+Outcome runCli(const std::string& arguments) { return RunCli(arguments); }
 
 std::string writeTemp(const std::string& name, const std::string& text) {
     const auto dir = std::filesystem::temp_directory_path() / "ct600-cli-test";
