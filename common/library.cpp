@@ -57,7 +57,7 @@ CString fmt(const char* format, int value) {
 
 CString fmt(int value) { return FormatString("%d", value); }
 CString fmt0(double value) { return FormatString("%.0f", value); }
-CString fmt2(double value) { return FormatString("%.2f", value); }
+CString fmt2(double value) { return FormatFixed(value, 2); }
 
 CString quote(const char* text) { return "\"" + CString(text) + "\""; }
 

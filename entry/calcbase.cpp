@@ -1,6 +1,11 @@
 #include "entry/calcbase.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cstdio>
+#include <cstring>
+#include <string_view>
+#include <vector>
 
 namespace {
 // The one error dialog of the module, made on first use.
@@ -18,15 +23,75 @@ CBaseCalc::~CBaseCalc() {
     m_Errors.RemoveAll();
 }
 
+namespace {
+// The one "%d" of a row format splits it into the text before and after the number.
+struct RowFormat {
+    std::string_view head, tail;
+    bool numbered = false;
+};
+RowFormat splitRowFormat(const char* format) {
+    const std::string_view text(format ? format : "");
+    const std::size_t at = text.find("%d");
+    if (at == std::string_view::npos || text.find('%', at + 2) != std::string_view::npos ||
+        text.substr(0, at).find('%') != std::string_view::npos)
+        return {text, {}, false};
+    return {text.substr(0, at), text.substr(at + 2), true};
+}
+
+// The number a key carries in place of "%d", if it is exactly what "%d" prints.
+bool rowNumber(std::string_view digits, int& number) {
+    if (digits.empty()) return false;
+    const bool negative = digits.front() == '-';
+    const std::string_view body = negative ? digits.substr(1) : digits;
+    if (body.empty() || (body.front() == '0' && body.size() > 1) || (negative && body == "0")) return false;
+    const auto [end, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    return ec == std::errc() && end == digits.data() + digits.size();
+}
+}  // namespace
+
+const CString* CBaseCalc::FindBox(const char* key) const {
+    if (!m_pBoxes) return nullptr;
+    if (m_Prefix.IsEmpty()) return m_pBoxes->PLookup(key);
+    return m_pBoxes->PLookup(m_Prefix + key);
+}
+
 CString CBaseCalc::GetBoxText(const char* key) const {
-    if (!m_pBoxes) return CString();
-    const CString* text = m_pBoxes->PLookup(m_Prefix + key);
+    const CString* text = FindBox(key);
     return text ? *text : CString();
 }
 
+double CBaseCalc::GetBox(const char* key) const {
+    const CString* text = FindBox(key);
+    return text ? myatof(*text) : 0.0;
+}
+
+// Rows are sparse: rather than look up every possible row, walk the keys that
+// share the row's stem (the map is ordered) and add them in row order, so the
+// sum is the same, bit for bit, as adding row 1, 2, 3... with missing rows as 0.
 double CBaseCalc::SumBoxes(const char* format, int first, int last) const {
+    const RowFormat row = splitRowFormat(format);
+    if (!row.numbered || !m_pBoxes) {
+        double sum = 0.0;
+        for (int n = first; n <= last; ++n) sum += GetBox(BoxKey(format, n));
+        return sum;
+    }
+    std::string stem(m_Prefix.view());
+    stem += row.head;
+    std::vector<std::pair<int, double>> present;
+    const auto& items = m_pBoxes->items();
+    for (auto it = items.lower_bound(std::string_view(stem)); it != items.end(); ++it) {
+        const std::string_view key = it->first.view();
+        if (key.substr(0, stem.size()) != stem) break;
+        std::string_view rest = key.substr(stem.size());
+        if (rest.size() < row.tail.size() || rest.substr(rest.size() - row.tail.size()) != row.tail) continue;
+        rest.remove_suffix(row.tail.size());
+        int number = 0;
+        if (rowNumber(rest, number) && number >= first && number <= last)
+            present.emplace_back(number, myatof(it->second));
+    }
+    std::sort(present.begin(), present.end());
     double sum = 0.0;
-    for (int n = first; n <= last; ++n) sum += GetBox(BoxKey(format, n));
+    for (const auto& entry : present) sum += entry.second;
     return sum;
 }
 
@@ -37,9 +102,14 @@ double CBaseCalc::Sum(std::initializer_list<const char*> keys) const {
 }
 
 CString CBaseCalc::BoxKey(const char* format, int number) {
-    CString key;
-    key.Format(format, number);
-    return key;
+    const RowFormat row = splitRowFormat(format);
+    if (!row.numbered) return FormatString(format, number);
+    char digits[16];
+    const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+    std::string key;
+    key.reserve(row.head.size() + static_cast<std::size_t>(end - digits) + row.tail.size());
+    key.append(row.head).append(digits, end).append(row.tail);
+    return CString(std::move(key));
 }
 
 void CBaseCalc::SetBox(const char* key, double value) {
@@ -48,7 +118,7 @@ void CBaseCalc::SetBox(const char* key, double value) {
     if (m_NoWrite || !m_pBoxes) return;
     CString& box = (*m_pBoxes)[full];
     if (!box.IsEmpty() && box[box.GetLength() - 1] == '!') return;
-    box.Format("%f", value);
+    box = FormatFixed(value, 6);
 }
 
 double CBaseCalc::GetValue(const char* key) const {

@@ -24,7 +24,7 @@ public:
     virtual void Calc() = 0;
 
     CString GetBoxText(const char* key) const;
-    double GetBox(const char* key) const { return myatof(GetBoxText(key)); }
+    double GetBox(const char* key) const;
     double SumBoxes(const char* format, int first, int last) const;
     // GetBox summed over the keys, left to right.
     double Sum(std::initializer_list<const char*> keys) const;
@@ -43,6 +43,9 @@ public:
     void TakeOverResults(const CMapStringToString& results);
     // A direct write under m_Prefix that also lands in m_Changed.
     void WriteChanged(const char* key, const CString& text);
+
+    // The stored text of the box under the run's prefix, or null.
+    const CString* FindBox(const char* key) const;
 
     CMapStringToString* m_pBoxes = nullptr;
     std::unordered_map<CString, double> m_Values;

@@ -1,6 +1,8 @@
 #include "platform/cstring.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <cctype>
 #include <cstdio>
 #include <cstring>
@@ -46,6 +48,16 @@ CString FormatString(const char* format, ...) {
     out.FormatV(format, args);
     va_end(args);
     return out;
+}
+
+CString FormatFixed(double value, int decimals) {
+    // to_chars prints finite values exactly as "%.*f" does, without the printf machinery.
+    if (std::isfinite(value) && decimals >= 0 && decimals <= 17) {
+        char text[352];  // the longest finite double in fixed notation, plus decimals
+        const auto result = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, decimals);
+        if (result.ec == std::errc()) return CString(text, static_cast<std::size_t>(result.ptr - text));
+    }
+    return FormatString("%.*f", decimals, value);
 }
 
 namespace {

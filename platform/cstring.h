@@ -102,3 +102,5 @@ struct std::hash<CString> {
 
 // printf into a new string.
 CString FormatString(const char* format, ...) CT600_PRINTF(1, 2);
+// The same text as FormatString("%.*f", decimals, value), made faster.
+CString FormatFixed(double value, int decimals);

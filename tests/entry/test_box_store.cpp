@@ -34,6 +34,36 @@ protected:
     }
 };
 
+// A row sum walks only the rows present; it must equal adding every row in
+// turn, to the last bit, and ignore keys that merely look like rows.
+TEST_F(BoxStore, RowSumsEqualAddingEveryRowInTurn) {
+    CMapStringToString boxes;
+    unsigned seed = 12345;
+    auto next = [&seed] { return seed = seed * 1103515245u + 12345u; };
+    for (int n = 0; n < 400; ++n) {
+        const int row = static_cast<int>(next() % 230) - 10;
+        boxes[CBaseCalc::BoxKey("P/QB5F.%d", row)] = FormatString("%.2f", (static_cast<int>(next() % 2000001) - 1000000) / 100.0);
+    }
+    // Near misses: leading zeros, signs, a suffix, another column, the stem alone.
+    for (const char* key : {"P/QB5F.01", "P/QB5F.+3", "P/QB5F.-0", "P/QB5F.7x", "P/QB5F.", "P/QB5F", "P/QB5FF.3",
+                            "P/QB5F.99999999999", "QB5F.4"})
+        boxes[key] = "1000000";
+    for (const char* prefix : {"P/", ""})
+        run(boxes, prefix, [](ScriptCalc& c) {
+            for (const auto& [first, last] : {std::pair{1, 200}, std::pair{-10, 230}, std::pair{5, 5}, std::pair{9, 2}}) {
+                double expected = 0.0;
+                for (int n = first; n <= last; ++n) expected += c.GetBox(CBaseCalc::BoxKey("QB5F.%d", n));
+                EXPECT_EQ(c.SumBoxes("QB5F.%d", first, last), expected) << first << ".." << last;
+            }
+        });
+}
+
+TEST_F(BoxStore, BoxKeysAreWhatPrintfMakes) {
+    for (const char* format : {"Q%d", "QB5F.%d", "%d", "x%dy", "no number"})
+        for (const int n : {0, 7, -3, 330, 2147483647, -2147483647 - 1})
+            EXPECT_EQ(CBaseCalc::BoxKey(format, n), FormatString(format, n)) << format << n;
+}
+
 TEST_F(BoxStore, ReadsNumbersFromEveryKindOfText) {
     CMapStringToString boxes;
     boxes["A"] = "1000.00!";

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "platform/cstring.h"
 
 namespace {
@@ -14,6 +16,17 @@ TEST(CString, DefaultIsEmptyAndConcatenatesOnEitherSide) {
     t += CString("?");
     EXPECT_EQ(t, "Q155!?");
     EXPECT_EQ(CString(nullptr), "");
+}
+
+// The fast fixed-point text must be printf's, character for character.
+TEST(CString, FormatFixedMatchesPrintf) {
+    const double values[] = {0.0, -0.0, 1.0, -1.0, 0.125, 2.675, 1.005, -2.5, 0.5, 1.5, 1e-7, 5e-7, -4.9999999e-7,
+                             123456789.123456789, 1e22, -1e300, 1.7976931348623157e308, 4.9e-324,
+                             std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
+                             std::numeric_limits<double>::quiet_NaN(), -std::numeric_limits<double>::quiet_NaN()};
+    for (const int decimals : {0, 2, 6})
+        for (const double v : values)
+            EXPECT_EQ(FormatFixed(v, decimals), FormatString("%.*f", decimals, v)) << v << " " << decimals;
 }
 
 TEST(CString, FormatReplacesAndHandlesLongOutput) {
