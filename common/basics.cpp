@@ -1,5 +1,7 @@
 #include "common/basics.h"
 
+#include <sys/stat.h>
+
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -141,14 +143,39 @@ std::mutex g_logMutex;
 LogSink g_logSink = nullptr;
 void* g_logContext = nullptr;
 
+// The log stays open between lines. It is reopened when its path changes (the
+// host moved the temporary folder) or the file at that path is no longer the
+// one held open (removed or replaced), and flushed after every line so that it
+// is complete at any moment. Called with g_logMutex held.
+std::FILE* g_logFile = nullptr;
+std::string g_logPath;
+dev_t g_logDevice = 0;
+ino_t g_logInode = 0;
+
+bool logStillOpenAt(const CString& path) {
+    struct stat now {};
+    return g_logFile && g_logPath == path.str() && ::stat(path, &now) == 0 && now.st_dev == g_logDevice &&
+           now.st_ino == g_logInode;
+}
+
 void appendToLogFile(const CString& line) {
     const char* named = std::getenv("CT600_LOG_FILE");
     const CString path = named && *named ? CString(named) : GetTempDir() + "/ct600.log";
-    std::FILE* file = std::fopen(path, "a");
-    if (!file) return;
-    std::fputs(line, file);
-    std::fputc('\n', file);
-    std::fclose(file);
+    if (!logStillOpenAt(path)) {
+        if (g_logFile) std::fclose(g_logFile);
+        g_logPath.clear();
+        g_logFile = std::fopen(path, "ae");
+        struct stat opened {};
+        if (!g_logFile) return;
+        if (::fstat(fileno(g_logFile), &opened) == 0) {
+            g_logDevice = opened.st_dev;
+            g_logInode = opened.st_ino;
+            g_logPath = path.str();
+        }
+    }
+    std::fputs(line, g_logFile);
+    std::fputc('\n', g_logFile);
+    std::fflush(g_logFile);
 }
 
 }  // namespace

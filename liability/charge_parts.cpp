@@ -63,10 +63,7 @@ void AddProfitFigures(CXMLVar& root, const char* typeLabel, const ChargeRun& run
     root.AddChild("Profit", fmt2(run.Profit));
 }
 
-std::ofstream OpenTempFile(const char* fileName) {
-    const CString path = NativePath(GetTempDir() + "\\" + fileName);
-    return std::ofstream(path.c_str(), std::ios::out | std::ios::trunc | std::ios::binary);
-}
+CString TempFilePath(const char* fileName) { return NativePath(GetTempDir() + "\\" + fileName); }
 
 // A missing date is taken as the start or the end of the financial year of
 // the other date: the profit is then charged in that one year, with the limits
@@ -226,6 +223,6 @@ void SaveChargeTree(CXMLVar& root, CMapStringToString& results) {
     // The file is what the suite shows, so it names its style sheet; the text
     // in the results is data and goes without.
     root.AddStyle(GetFormatsDir() + "\\ctcharge.xsl");
-    std::ofstream file = OpenTempFile("ctcharge.xml");
+    ReplaceFile file(TempFilePath("ctcharge.xml"));
     root.Save(file, 1, 0, 0);
 }

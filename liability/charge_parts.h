@@ -3,8 +3,8 @@
 // between (years, totals, distributions, report and tree) is shared.
 #pragma once
 
-#include <fstream>
 
+#include "common/outfile.h"
 #include "liability/liability.h"
 
 // Rate on non-corporate distributions matched to profits.
@@ -72,7 +72,7 @@ void AddProfitFigures(CXMLVar& root, const char* typeLabel, const ChargeRun& run
 
 // A file in the temporary folder, opened for output and emptied. A file that
 // can't be opened takes no output and stops nothing.
-std::ofstream OpenTempFile(const char* fileName);
+CString TempFilePath(const char* fileName);
 
 // The earlier generations go on without a date. A text that is no day of the
 // calendar counts as missing, and days is the length of what is known of the

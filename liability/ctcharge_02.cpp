@@ -39,7 +39,7 @@ void CTcharge_02(CMapStringToString* boxes, CString prefix, CMapStringToString* 
         if (!year.IsEmpty()) associates[year] = box[prefix + pair.count];
     }
 
-    std::ofstream report = OpenTempFile("calc.htm");
+    ReplaceFile report(TempFilePath("calc.htm"));
     if (run.Profit <= 0) {
         // Q41 and Q51, the rates, keep what they held.
         for (const char* key : {"Q39", "Q40", "Q49", "Q50"}) out[key] = "";

@@ -45,7 +45,7 @@ void CTcharge_05(CMapStringToString* boxes, CString prefix, CMapStringToString* 
     AddProfitFigures(root, typeLabel, run);
     DoLogF("Ct600_05 prefix=%s profit=%f", prefix.c_str(), run.Profit);
 
-    std::ofstream report = OpenTempFile("calc.htm");
+    ReplaceFile report(TempFilePath("calc.htm"));
     if (run.Profit <= 0) {
         for (const char* key : {"Q43", "Q44", "Q45", "Q46"}) out[key] = "";
         report << kNoProfitLine << std::endl;

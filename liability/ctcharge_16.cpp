@@ -29,7 +29,7 @@ void CTcharge_16(CMapStringToString* boxes, CString prefix, CMapStringToString* 
     AddProfitFigures(root, typeLabel, run);
     DoLogF("Ct600_16 prefix=%s profit=%f", prefix.c_str(), run.Profit);
 
-    std::ofstream report = OpenTempFile("calc.htm");
+    ReplaceFile report(TempFilePath("calc.htm"));
     if (run.Profit <= 0) {
         for (const char* key : {"Q330", "Q335", "Q340", "Q345"}) out[key] = "";
         report << kNoProfitLine << std::endl;

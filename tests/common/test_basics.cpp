@@ -87,6 +87,12 @@ TEST(DoLogF, DefaultGoesToTheNamedFile) {
     setenv("CT600_LOG_FILE", path.c_str(), 1);
     DoLogF("first %d", 1);
     DoLogF("second");
+    // The log is kept open between lines; removing it starts a new one.
+    std::ifstream before_removal(path);
+    const std::string kept((std::istreambuf_iterator<char>(before_removal)), std::istreambuf_iterator<char>());
+    EXPECT_EQ(kept, "first 1\nsecond\n");
+    std::remove(path.c_str());
+    DoLogF("third");
     setenv("CT600_LOG_FILE", "/no/such/folder/x.log", 1);
     DoLogF("lost quietly");
     if (before)
@@ -95,5 +101,5 @@ TEST(DoLogF, DefaultGoesToTheNamedFile) {
         unsetenv("CT600_LOG_FILE");
     std::ifstream in(path);
     const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    EXPECT_EQ(text, "first 1\nsecond\n");
+    EXPECT_EQ(text, "third\n");
 }
