@@ -1,6 +1,9 @@
 // Box texts as the document wants them, and the placeholders of a template.
+#include <algorithm>
 #include <cmath>
+#include <mutex>
 #include <string>
+#include <unordered_map>
 
 #include "common/library.h"
 #include "envelope/template_text.h"
@@ -226,8 +229,52 @@ std::vector<TemplatePiece> SplitTemplateText(std::string_view text, std::vector<
     return pieces;
 }
 
+namespace {
+// Parsed texts, kept for the life of the process: a template's texts are few
+// and are filled again for every return. Entries are never dropped, so the
+// references handed out stay good; past the cap, texts are parsed each time.
+constexpr std::size_t kMaxRememberedTexts = 8192;
+struct ParsedText {
+    std::vector<TemplatePiece> pieces;  // views into the key of its entry
+    bool anyPlaceholder = false;
+};
+struct TextHash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view text) const noexcept { return std::hash<std::string_view>{}(text); }
+};
+std::mutex g_parsedMutex;
+std::unordered_map<std::string, ParsedText, TextHash, std::equal_to<>> g_parsed;
+
+bool anyPlaceholder(const std::vector<TemplatePiece>& pieces) {
+    return std::any_of(pieces.begin(), pieces.end(), [](const TemplatePiece& p) { return p.placeholder; });
+}
+
+// The remembered entry for the text, made on first sight; null past the cap.
+const ParsedText* remembered(std::string_view text) {
+    std::lock_guard<std::mutex> lock(g_parsedMutex);
+    const auto found = g_parsed.find(text);
+    if (found != g_parsed.end()) return &found->second;
+    if (g_parsed.size() >= kMaxRememberedTexts) return nullptr;
+    auto [it, added] = g_parsed.emplace(std::string(text), ParsedText{});
+    it->second.pieces = SplitTemplateText(it->first);
+    it->second.anyPlaceholder = anyPlaceholder(it->second.pieces);
+    return &it->second;
+}
+}  // namespace
+
+const std::vector<TemplatePiece>& TemplatePieces(std::string_view text, std::vector<TemplatePiece>& scratch) {
+    if (text.find('{') == std::string_view::npos) {
+        scratch.clear();
+        if (!text.empty()) scratch.push_back({text, false, {}});
+        return scratch;
+    }
+    if (const ParsedText* parsed = remembered(text)) return parsed->pieces;
+    scratch = SplitTemplateText(text);
+    return scratch;
+}
+
 bool HasPlaceholder(std::string_view text) {
-    for (const TemplatePiece& piece : SplitTemplateText(text))
-        if (piece.placeholder) return true;
-    return false;
+    if (text.find('{') == std::string_view::npos) return false;
+    if (const ParsedText* parsed = remembered(text)) return parsed->anyPlaceholder;
+    return anyPlaceholder(SplitTemplateText(text));
 }

@@ -18,7 +18,8 @@ constexpr int kMaxTemplateDepth = 200;
 // A row number is at most this many digits, so that its value fits an unsigned long.
 constexpr std::size_t kMaxRowDigits = 9;
 
-using BoxIndex = std::map<std::string, CString, std::less<>>;
+// Views into the data tree, which outlives the filling.
+using BoxIndex = std::map<std::string_view, const CString*, std::less<>>;
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
@@ -52,7 +53,7 @@ public:
     Filler(const CXMLVar* data, CString prefix) : prefix_(std::move(prefix)) {
         if (!data) return;
         // The first entry of a key wins, as a map lookup would have it.
-        for (const CXMLVar* box : data->children) index_.emplace(box->name.str(), box->value);
+        for (const CXMLVar* box : data->children) index_.emplace(box->name.view(), &box->value);
     }
 
     void Fill(const CXMLVar* from, CXMLVar* into, const std::string& row, int depth) {
@@ -96,8 +97,8 @@ public:
 
 private:
     CString Lookup(const CString& key) const {
-        const auto it = index_.find((prefix_ + key).str());
-        return it == index_.end() ? CString() : it->second;
+        const auto it = prefix_.IsEmpty() ? index_.find(key.view()) : index_.find((prefix_ + key).view());
+        return it == index_.end() ? CString() : *it->second;
     }
 
     static CString WithRow(const CString& key, const std::string& row) {
@@ -126,7 +127,8 @@ private:
     CString Expand(std::string_view text, const std::string& row) const {
         CString out;
         bool anyFilled = false;
-        for (const TemplatePiece& piece : SplitTemplateText(text)) {
+        std::vector<TemplatePiece> scratch;
+        for (const TemplatePiece& piece : TemplatePieces(text, scratch)) {
             if (!piece.placeholder) {
                 out += CString(piece.text);
                 continue;
@@ -149,7 +151,8 @@ private:
             const CXMLVar* node = pending.back();
             pending.pop_back();
             auto collect = [&](const CString& text) {
-                for (const TemplatePiece& piece : SplitTemplateText(text.view())) {
+                std::vector<TemplatePiece> scratch;
+                for (const TemplatePiece& piece : TemplatePieces(text.view(), scratch)) {
                     if (!piece.placeholder) continue;
                     for (const PlaceholderSource& source : piece.parsed.sources) {
                         const int mark = source.literal ? -1 : source.text.Find(kRowMark);
@@ -170,11 +173,11 @@ private:
         std::set<std::pair<unsigned long, std::string>> rows;
         for (const auto& [before, after] : patterns) {
             for (auto it = index_.lower_bound(before); it != index_.end(); ++it) {
-                const std::string& key = it->first;
+                const std::string_view key = it->first;
                 if (key.compare(0, before.size(), before) != 0) break;
                 if (key.size() < before.size() + after.size() + 1) continue;
                 if (key.compare(key.size() - after.size(), after.size(), after) != 0) continue;
-                const std::string middle = key.substr(before.size(), key.size() - before.size() - after.size());
+                const std::string middle(key.substr(before.size(), key.size() - before.size() - after.size()));
                 if (middle.size() > kMaxRowDigits || !std::all_of(middle.begin(), middle.end(), isDigit)) continue;
                 rows.emplace(std::stoul(middle), middle);
             }

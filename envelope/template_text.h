@@ -18,6 +18,11 @@ struct TemplatePiece {
 // is added to bad when given.
 std::vector<TemplatePiece> SplitTemplateText(std::string_view text, std::vector<std::string_view>* bad = nullptr);
 
+// The same pieces as SplitTemplateText, parsed once for each distinct text.
+// The result refers either to a remembered parse or to scratch; its views
+// point into the remembered copy or into text respectively.
+const std::vector<TemplatePiece>& TemplatePieces(std::string_view text, std::vector<TemplatePiece>& scratch);
+
 // True when the text holds at least one placeholder.
 bool HasPlaceholder(std::string_view text);
 
