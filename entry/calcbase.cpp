@@ -15,7 +15,8 @@ CErrorsDlg& errorsDialog() {
 }
 }  // namespace
 
-CBaseCalc::CBaseCalc() { m_Values.reserve(17); }
+// A full return computes a few hundred boxes: room for them up front spares rehashing.
+CBaseCalc::CBaseCalc() { m_Values.reserve(512); }
 
 CBaseCalc::~CBaseCalc() {
     if (m_ShowErrors) ShowErrors(nullptr);
