@@ -9,7 +9,7 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 jobs=$(nproc 2>/dev/null || echo 2)
 
 install_missing() {
-    local wanted=(cmake make g++ binutils libexpat1-dev nlohmann-json3-dev libgtest-dev googletest libbenchmark-dev)
+    local wanted=(cmake make g++ binutils pkg-config libexpat1-dev nlohmann-json3-dev libgtest-dev googletest libbenchmark-dev)
     local missing=()
     for pkg in "${wanted[@]}"; do
         dpkg-query -W -f='${Status}' "$pkg" 2>/dev/null | grep -q 'install ok installed' || missing+=("$pkg")
