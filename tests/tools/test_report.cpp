@@ -1,0 +1,180 @@
+// 'ct600 report': the recalculated return and its worked computation as one page.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <sstream>
+#include <string>
+
+#include "support/run_cli.h"
+#include "tools/cli_files.h"
+
+namespace {
+
+using namespace clitest;
+
+std::string reportOf(const std::string& file, const std::string& options = "") {
+    const std::string out = scratch("report.html").string();
+    const CliOutcome o = RunCli("report " + options + " -o " + out + " " + file);
+    EXPECT_EQ(o.status, 0) << o.out;
+    EXPECT_EQ(o.out, "");  // nothing but the page, and that in the file
+    return slurp(out);
+}
+
+// The page's own elements open and close in pairs (the worked fragment is the
+// library's, with its <td/> and unclosed <BR>, and is left out of the count).
+void expectBalanced(const std::string& page) {
+    for (const char* tag : {"html", "head", "body", "header", "main", "section", "h1", "h2", "h3", "dl", "dt", "dd",
+                            "thead", "tbody", "ul", "li", "footer", "style", "title"}) {
+        const int opened = count(page, std::string("<") + tag + ">") + count(page, std::string("<") + tag + " ");
+        EXPECT_EQ(opened, count(page, std::string("</") + tag + ">")) << tag;
+    }
+}
+
+TEST(ReportPage, TheSampleReturnAsAStandalonePage) {
+    const std::string page = reportOf(example("sample-return.json"));
+    EXPECT_EQ(page.rfind("<!DOCTYPE html>\n<html lang=\"en-GB\">", 0), 0u);
+    EXPECT_NE(page.find("<meta charset=\"utf-8\">"), std::string::npos);
+    for (const char* external : {"src=", "href=", "@import", "url(", "<link", "<script"})
+        EXPECT_EQ(page.find(external), std::string::npos) << external;
+    expectBalanced(page);
+
+    // The header, from the return.
+    EXPECT_NE(page.find("<h1>Example Trading Limited</h1>"), std::string::npos);
+    EXPECT_NE(page.find("<dd>1234567890</dd>"), std::string::npos);
+    EXPECT_NE(page.find("<dd>01/10/2016 to 30/09/2017</dd>"), std::string::npos);
+
+    // Boxes by number and meaning, as amounts: 185,000 - 12,500 = 172,500; the
+    // profit of 185,650 split 182/365 and 183/365 at 20% and 19%.
+    const struct {
+        const char *box, *meaning, *value;
+    } rows[] = {
+        {"155", "Trading profits", "185,000.00"},
+        {"165", "Net trading profits", "172,500.00"},
+        {"315", "Profits chargeable to corporation tax", "185,650.00"},
+        {"330", "Financial year one", "2016"},
+        {"345", "FY1 band 1: tax", "18,514.20"},
+        {"395", "FY2 band 1: tax", "17,685.01"},
+        {"440", "Corporation tax chargeable", "36,199.21"},
+        {"470", "Total reliefs and deductions in terms of tax", "0.00"},  // an explicit nought
+    };
+    for (const auto& r : rows) {
+        const std::string row = std::string("<tr><td class=\"box\">") + r.box + "</td><td>" + r.meaning +
+                                "</td><td class=\"value\">" + r.value + "</td></tr>";
+        EXPECT_NE(page.find(row), std::string::npos) << row;
+    }
+    // Sections in the order of the form; a box with no place in the map is still shown.
+    EXPECT_LT(page.find("<h3>Company information"), page.find("<h3>Tax calculation</h3>"));
+    EXPECT_LT(page.find("<h3>Tax calculation</h3>"), page.find("<h3>Tax outstanding"));
+    EXPECT_NE(page.find("<td class=\"box\">Q528</td><td></td><td class=\"value\">36199.21</td>"), std::string::npos);
+    EXPECT_NE(page.find("<p class=\"none\">None.</p>"), std::string::npos);  // no calculator error
+}
+
+TEST(ReportPage, EmbedsTheWorkedComputationAsTheLibraryWroteIt) {
+    const auto dir = scratch("worked");
+    ASSERT_EQ(RunCli("calc --report " + dir.string() + " " + example("sample-return.json")).status, 0);
+    const std::string fragment = slurp(dir / "calc.htm");
+    ASSERT_NE(fragment.find("182/365 x 185650 = 92571<BR>"), std::string::npos) << fragment;
+    const std::string page = reportOf(example("sample-return.json"));
+    EXPECT_NE(page.find("<div class=\"worked\">\n" + fragment + "\n</div>"), std::string::npos);
+}
+
+TEST(ReportPage, WithoutDatesNoProfitOrOutputFile) {
+    // A return without dates gets no computation, and none of an earlier run.
+    ASSERT_EQ(RunCli("calc " + example("sample-return.json")).status, 0);
+    const std::string undated =
+        reportOf(put(scratch("undated.json"), R"({"form": "ctv3", "name": "Undated Ltd", "Q155": "1000"})"));
+    EXPECT_NE(undated.find("The run left no worked computation"), std::string::npos);
+    EXPECT_EQ(undated.find("Financial year"), std::string::npos);
+    EXPECT_NE(undated.find("<dd>not given</dd>"), std::string::npos);  // no tax reference, no period
+
+    const std::string nil = reportOf(put(
+        scratch("nil.json"), R"({"form": "ctv3", "from": "01/04/2016", "to": "31/03/2017", "Q155": "0"})"));
+    EXPECT_NE(nil.find("<div class=\"worked\">\nx no profit\n"), std::string::npos);
+    EXPECT_NE(nil.find("<h1>Company tax return</h1>"), std::string::npos);  // nameless
+
+    const CliOutcome toStdout = RunCli("report " + example("sample-return.json"));
+    EXPECT_EQ(toStdout.status, 0);
+    EXPECT_EQ(toStdout.out.rfind("<!DOCTYPE html>", 0), 0u);
+    EXPECT_EQ(toStdout.out.substr(toStdout.out.size() - 8), "</html>\n");
+}
+
+TEST(ReportPage, EscapesTextAndGivesUtf8) {
+    struct Case {
+        const char* name;
+        std::string file;
+        const char* expected;
+    };
+    const Case cases[] = {
+        // The return's own code page (ISO-8859-1): the pound sign is byte A3.
+        {"latin1.xml",
+         "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><Return><Boxes><form>ctv3</form>"
+         "<name>Smith &amp; Sons &lt;Ltd&gt; \xA3</name><Q155>1000!</Q155></Boxes></Return>",
+         "<h1>Smith &amp; Sons &lt;Ltd&gt; \xC2\xA3</h1>"},
+        {"utf8.json", R"({"form": "ctv3", "name": "Caf\u00e9 \"Noir\" Ltd"})", "<h1>Caf\xC3\xA9 &quot;Noir&quot; Ltd</h1>"},
+        // A user's override keeps its figure and says so.
+        {"override.json", R"({"form": "ctv3", "Q155": "1000!"})",
+         "<td class=\"value\">1,000.00<span class=\"override\""},
+    };
+    for (const auto& c : cases) {
+        const std::string page = reportOf(put(scratch(c.name), c.file));
+        EXPECT_NE(page.find(c.expected), std::string::npos) << c.name;
+        EXPECT_EQ(page.find("<Ltd>"), std::string::npos) << c.name;
+    }
+}
+
+TEST(ReportPage, BadInputAndUsage) {
+    const struct {
+        std::string arguments;
+        const char* message;
+    } cases[] = {
+        {"report /no/such/return.json", "cannot read /no/such/return.json"},
+        {"report " + put(scratch("bad.json"), "{\"Q155\": "), "not a valid JSON box map"},
+        {"report", "report needs a file"},
+        {"report a.json b.json", "report takes one file"},
+        {"report --entry nosuch " + example("sample-return.json"), "no form entry named nosuch"},
+        {"report -o /no/such/folder/page.html " + example("sample-return.json"), "cannot write /no/such/folder"},
+    };
+    for (const auto& c : cases) {
+        const CliOutcome o = RunCli(c.arguments);
+        EXPECT_EQ(o.status, 2) << c.arguments << "\n" << o.out;
+        EXPECT_NE(o.out.find(c.message), std::string::npos) << c.arguments << "\n" << o.out;
+    }
+}
+
+bool onPath(const std::string& program) {
+    const char* path = std::getenv("PATH");
+    std::istringstream dirs(path ? path : "");
+    for (std::string dir; std::getline(dirs, dir, ':');)
+        if (!dir.empty() && access((dir + "/" + program).c_str(), X_OK) == 0) return true;
+    return false;
+}
+
+// What a browser makes of the page: the DOM after parsing, fragment included.
+TEST(ReportPage, RendersInHeadlessChromium) {
+    if (!onPath("chromium")) GTEST_SKIP() << "chromium is not on PATH; the page is not rendered";
+    const std::string page = scratch("render.html").string();
+    ASSERT_EQ(RunCli("report -o " + page + " " + example("sample-return.json")).status, 0);
+    const std::string profile = scratch("chromium-profile").string();
+    const std::string command = "timeout 120 chromium --headless --disable-gpu --no-sandbox --user-data-dir=" +
+                                profile + " --dump-dom file://" + page + " 2>/dev/null";
+    FILE* pipe = popen(command.c_str(), "r");
+    ASSERT_NE(pipe, nullptr);
+    std::string dom;
+    char buffer[4096];
+    for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) dom.append(buffer, n);
+    ASSERT_EQ(pclose(pipe), 0) << dom;
+
+    EXPECT_NE(dom.find("<title>Corporation tax computation: Example Trading Limited</title>"), std::string::npos);
+    EXPECT_NE(dom.find("<h1>Example Trading Limited</h1>"), std::string::npos) << dom;
+    EXPECT_NE(dom.find("<td class=\"box\">165</td><td>Net trading profits</td><td class=\"value\">172,500.00</td>"),
+              std::string::npos);
+    // The fragment became elements, and the sections after it stand outside it.
+    EXPECT_NE(dom.find("<div class=\"worked\">\n<h1>Corporation tax chargeable</h1>"), std::string::npos);
+    EXPECT_NE(dom.find("<td><b>Tax Chargeable</b></td><td align=\"right\">36199.21</td>"), std::string::npos);
+    EXPECT_NE(dom.find("</div>\n</section>\n<section id=\"errors\">"), std::string::npos);
+    EXPECT_NE(dom.find("<footer>Recalculated by ct600 from"), std::string::npos);
+}
+
+}  // namespace

@@ -1,0 +1,20 @@
+// 'ct600 report': the worked report of a recalculation as one HTML page.
+#pragma once
+
+#include <string>
+
+#include "cli.h"
+
+namespace cli {
+
+// The page for a run: the return's header, its figures by section, the
+// worked computation (calc.htm as the liability driver wrote it, empty when
+// the run wrote none) and the calculator's errors. Standalone: styles inline,
+// nothing fetched, UTF-8.
+std::string reportPage(const CalcRun& run, const std::string& workedHtml, const std::string& source);
+
+// Recalculates the return in path in a temporary folder of its own and gives
+// the page.
+std::string buildReport(const std::string& path, const CalcOptions& options);
+
+}  // namespace cli
