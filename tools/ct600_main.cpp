@@ -1,14 +1,17 @@
 // ct600: the command-line host. Runs a form entry over a box map (JSON) or a
 // return XML, and prints the recalculated boxes and the calculator's errors;
-// validates returns; writes the worked report as a page.
+// validates returns; writes the worked report as a page. calc and validate
+// take many returns at once and share them out among worker processes.
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
+#include "batch.h"
 #include "cli.h"
 #include "common/errors.h"
 #include "common/library.h"
@@ -29,11 +32,11 @@ const char* const kUsage =
     "with a Boxes node.\n"
     "\n"
     "commands:\n"
-    "  calc [--entry NAME] [--json] [--all] [--report DIR] [-o OUT] FILE\n"
-    "        Recalculate a return: the tax chargeable, the boxes and the\n"
+    "  calc [--entry NAME] [--json] [--all] [--report DIR] [-o OUT] FILE...\n"
+    "        Recalculate returns: the tax chargeable, the boxes and the\n"
     "        calculator's errors, or the rebuilt return XML.\n"
-    "  validate [--xml] FILE\n"
-    "        Print every error HMRC's service would reject the return for.\n"
+    "  validate [--xml] FILE...\n"
+    "        Print every error HMRC's service would reject each return for.\n"
     "  report [--entry NAME] [-o OUT] FILE\n"
     "        Write the recalculated return and its worked computation as one\n"
     "        HTML page.\n"
@@ -42,18 +45,42 @@ const char* const kUsage =
     "  entries\n"
     "        List every form entry with the calculator it runs.\n"
     "\n"
+    "calc and validate take several files, or folders (their .json and .xml\n"
+    "files at any depth), and then run them in parallel: --jobs N worker\n"
+    "processes (default: one per processor), --timeout SECONDS a return at most.\n"
     "'ct600 COMMAND --help' tells each command's options.\n"
     "\n"
     "exit status: 0 done (validate: every return clean), 1 errors found\n"
-    "(validate), 2 unreadable or malformed input, a missing template, or bad\n"
-    "usage.\n";
+    "(validate; calc on several returns), 2 unreadable or malformed input, a\n"
+    "missing template, or bad usage.\n";
 
-const char* const kHelpOption =
+const char* const kBatchOptions =
+    "  --jobs N, -j N\n"
+    "        With several returns: the number of worker processes (default:\n"
+    "        one per processor).\n"
+    "  --timeout SECONDS\n"
+    "        With several returns: a worker still on one return after this long\n"
+    "        is stopped and the return reported; the others go on (default: no\n"
+    "        limit).\n"
     "  --help\n"
     "        Show this text.\n";
 
+const char* const kBatchNotes =
+    "Several files, or a folder, make a batch. A folder stands for the .json\n"
+    "and .xml files below it, at any depth, in the order of their paths; names\n"
+    "starting with a dot are skipped. A file named on the command line is taken\n"
+    "whatever its name. The returns are shared out among worker processes,\n"
+    "each with a temporary folder of its own (removed at the end), and the\n"
+    "output comes in the order of the files whatever the number of workers.\n"
+    "While standard error is a terminal a progress line is shown; at the end\n"
+    "standard error gets the summary: the number of files, how many were\n"
+    "clean, with errors, unreadable, and lost with their worker, if any.\n"
+    "\n";
+
 const char* const kCalcHelp =
     "usage: ct600 calc [--entry NAME] [--json] [--all] [--report DIR] [-o OUT] FILE\n"
+    "       ct600 calc [--entry NAME] [--json] [--all] [--report DIR] [-o DIR]\n"
+    "                  [--jobs N] [--timeout SECONDS] FILE|FOLDER...\n"
     "\n"
     "Recalculate a return. A box map (JSON, or a return XML with --entry) runs\n"
     "the form entry NAME and prints the tax chargeable, the boxes that hold\n"
@@ -70,15 +97,26 @@ const char* const kCalcHelp =
     "        List every box, the empty ones too.\n"
     "  --report DIR\n"
     "        Copy the worked report of the computation (calc.htm, ctcharge.xml)\n"
-    "        to DIR.\n"
+    "        to DIR; in a batch to DIR/NAME/ for each return NAME.\n"
     "  -o OUT\n"
-    "        Where the rebuilt return XML goes (default: standard output).\n"
+    "        Where the rebuilt return XML goes (default: standard output). In a\n"
+    "        batch OUT is a folder that gets one file per return, named as the\n"
+    "        return is below its folder: NAME.xml for a rebuilt return XML,\n"
+    "        NAME.json with --json, NAME.txt otherwise.\n"
     "%s"
     "\n"
-    "exit status: 0 done, 2 unreadable or malformed input, or bad usage.\n";
+    "%s"
+    "In a batch each return gives one line on standard output,\n"
+    "  PATH: tax chargeable 36199.21, tax payable 36199.21\n"
+    "followed by a line 'PATH: FIELD: TEXT' for each error the calculator\n"
+    "found; with --json and no -o, one JSON object a line, with its \"file\".\n"
+    "\n"
+    "exit status: 0 done; 1 a batch in which the calculator found errors in a\n"
+    "return; 2 unreadable or malformed input, or bad usage.\n";
 
 const char* const kValidateHelp =
     "usage: ct600 validate [--xml] FILE\n"
+    "       ct600 validate [--xml] [--jobs N] [--timeout SECONDS] FILE|FOLDER...\n"
     "\n"
     "Build the message the return in FILE (JSON or return XML) would be filed\n"
     "in, and print every error HMRC's service would reject it for, one a line\n"
@@ -86,11 +124,17 @@ const char* const kValidateHelp =
     "\n"
     "options:\n"
     "  --xml\n"
-    "        Print the Errors document instead.\n"
+    "        Print the Errors document instead. In a batch, one document\n"
+    "        <Batch> holds an Errors element per return, its path in the\n"
+    "        attribute file (and the problem in unreadable, for a return that\n"
+    "        could not be read).\n"
     "%s"
     "\n"
-    "exit status: 0 clean, 1 errors found, 2 the return unreadable, the\n"
-    "message template missing, or bad usage.\n";
+    "%s"
+    "In a batch each error line is prefixed by the return's path and ': '.\n"
+    "\n"
+    "exit status: 0 every return clean, 1 errors found, 2 a return unreadable,\n"
+    "the message template missing, or bad usage.\n";
 
 const char* const kReportHelp =
     "usage: ct600 report [--entry NAME] [-o OUT] FILE\n"
@@ -108,7 +152,8 @@ const char* const kReportHelp =
     "        a box map).\n"
     "  -o OUT\n"
     "        Write the page to OUT (default: standard output).\n"
-    "%s"
+    "  --help\n"
+    "        Show this text.\n"
     "\n"
     "exit status: 0 done, 2 unreadable or malformed input, or bad usage.\n";
 
@@ -120,7 +165,8 @@ const char* const kMessageHelp =
     "boxes, with the attachments.\n"
     "\n"
     "options:\n"
-    "%s"
+    "  --help\n"
+    "        Show this text.\n"
     "\n"
     "exit status: 0 done, 2 unreadable or malformed input, a missing template,\n"
     "or bad usage.\n";
@@ -132,12 +178,13 @@ const char* const kEntriesHelp =
     "other exports.\n"
     "\n"
     "options:\n"
-    "%s"
+    "  --help\n"
+    "        Show this text.\n"
     "\n"
     "exit status: 0.\n";
 
 int showHelp(const char* format) {
-    std::printf(format, kHelpOption);
+    std::printf(format, kBatchOptions, kBatchNotes);
     return kExitOk;
 }
 
@@ -158,6 +205,38 @@ private:
     std::size_t at_ = static_cast<std::size_t>(-1);
 };
 
+int numberOption(const std::string& option, const std::string& text, int low, int high) {
+    char* end = nullptr;
+    const long n = std::strtol(text.c_str(), &end, 10);
+    if (text.empty() || *end != '\0' || n < low || n > high)
+        throw InputError{option + " takes a whole number from " + std::to_string(low) + " to " + std::to_string(high)};
+    return static_cast<int>(n);
+}
+
+struct BatchOptions {
+    int jobs = 0;
+    unsigned timeout = 0;
+    // True when args[at] was one of them.
+    bool take(Args& args) {
+        const std::string& a = args.current();
+        if (a == "--jobs" || a == "-j") jobs = numberOption("--jobs", args.value(), 1, 1024);
+        else if (a.rfind("--jobs=", 0) == 0) jobs = numberOption("--jobs", a.substr(7), 1, 1024);
+        else if (a.rfind("-j", 0) == 0) jobs = numberOption("--jobs", a.substr(2), 1, 1024);
+        else if (a == "--timeout") timeout = static_cast<unsigned>(numberOption(a, args.value(), 1, 86400));
+        else if (a.rfind("--timeout=", 0) == 0)
+            timeout = static_cast<unsigned>(numberOption("--timeout", a.substr(10), 1, 86400));
+        else return false;
+        return true;
+    }
+    BatchSettings settings(const char* verb) const {
+        BatchSettings s;
+        s.jobs = jobs ? jobs : defaultJobs();
+        s.timeoutSeconds = timeout;
+        s.verb = verb;
+        return s;
+    }
+};
+
 bool isOption(const std::string& arg) { return arg.size() > 1 && arg[0] == '-'; }
 
 void writeFile(const std::string& path, const std::string& text) {
@@ -176,10 +255,40 @@ void writeOut(const std::string& path, const CString& text) {
     writeFile(path, text.str() + "\n");
 }
 
+std::string withoutExtension(const std::string& relative) {
+    std::filesystem::path p(relative);
+    return p.replace_extension().string();
+}
+
+// Every output of a batch has a name of its own, and none lands on a return.
+void checkOutputNames(const std::vector<InputFile>& files, const std::string& outDir, const std::string& reportDir) {
+    namespace fs = std::filesystem;
+    std::set<std::string> inputs, stems;
+    for (const InputFile& f : files) {
+        std::error_code ec;
+        inputs.insert(fs::weakly_canonical(f.path, ec).string());
+    }
+    for (const InputFile& f : files) {
+        const std::string stem = withoutExtension(f.relative);
+        if (!stems.insert(stem).second)
+            throw InputError{"two returns would have the output " + stem + " (" + f.path +
+                             " is one); give them in folders of their own"};
+        if (outDir.empty()) continue;
+        for (const char* ext : {".xml", ".json", ".txt"}) {
+            std::error_code ec;
+            const std::string out = fs::weakly_canonical(fs::path(outDir) / (stem + ext), ec).string();
+            if (inputs.count(out))
+                throw InputError{"-o " + outDir + " would write over the return " + out + "; choose another folder"};
+        }
+    }
+    (void)reportDir;  // report folders are named after the stems checked above
+}
+
 // ---------------------------------------------------------------- calc
 
 int commandCalc(const std::vector<std::string>& argv) {
     CalcOptions options;
+    BatchOptions batch;
     std::string reportDir, outPath;
     std::vector<std::string> paths;
     for (Args args(argv); args.next();) {
@@ -190,41 +299,123 @@ int commandCalc(const std::vector<std::string>& argv) {
         else if (a == "--json") options.json = true;
         else if (a == "--all") options.all = true;
         else if (a == "--help") return showHelp(kCalcHelp);
+        else if (batch.take(args)) continue;
         else if (isOption(a)) throw InputError{"unknown option " + a + " (see 'ct600 calc --help')"};
-        else if (paths.empty()) paths.push_back(a);
-        else throw InputError{"calc takes one file"};
+        else paths.push_back(a);
     }
     if (paths.empty()) throw InputError{"calc needs a file"};
     if (!options.entryName.empty() && !FindFormEntry(options.entryName.c_str()))
         throw InputError{"no form entry named " + options.entryName + " (see 'ct600 entries')"};
 
-    if (!reportDir.empty()) removeStaleReport();
-    const CalcRun run = runCalc(paths[0], options);
-    if (run.wholeReturn) writeOut(outPath, run.rebuilt);
-    else std::fputs(options.json ? calcJson(run, false).c_str() : calcText(run, options.all).c_str(), stdout);
-    if (!reportDir.empty()) copyReport(reportDir);
-    return kExitOk;
+    if (!isBatch(paths)) {
+        if (!reportDir.empty()) removeStaleReport();
+        const CalcRun run = runCalc(paths[0], options);
+        if (run.wholeReturn) writeOut(outPath, run.rebuilt);
+        else std::fputs(options.json ? calcJson(run, false).c_str() : calcText(run, options.all).c_str(), stdout);
+        if (!reportDir.empty()) copyReport(reportDir);
+        return kExitOk;
+    }
+
+    const std::vector<InputFile> files = collectInputs(paths);
+    if (!outPath.empty() || !reportDir.empty()) checkOutputNames(files, outPath, reportDir);
+    if (!outPath.empty()) {
+        std::error_code failed;
+        std::filesystem::create_directories(outPath, failed);
+        if (failed) throw InputError{"cannot create " + outPath + ": " + failed.message()};
+    }
+    const auto task = [&](const InputFile& file) {
+        const CalcRun run = runCalc(file.path, options);
+        FileResult result;
+        result.status = run.errors.empty() ? FileStatus::Clean : FileStatus::Errors;
+        const std::string stem = withoutExtension(file.relative);
+        if (!outPath.empty()) {
+            const std::filesystem::path out = std::filesystem::path(outPath) / stem;
+            std::error_code ignored;
+            std::filesystem::create_directories(out.parent_path(), ignored);
+            if (run.wholeReturn) writeFile(out.string() + ".xml", run.rebuilt.str() + "\n");
+            else if (options.json) writeFile(out.string() + ".json", calcJson(run, false));
+            else writeFile(out.string() + ".txt", calcText(run, options.all));
+        }
+        if (!reportDir.empty()) {
+            try {
+                copyReport((std::filesystem::path(reportDir) / stem).string());
+            } catch (const InputError& e) {
+                result.err += "ct600: " + file.path + ": " + e.message + "\n";
+            }
+        }
+        if (options.json && outPath.empty()) {
+            result.out = calcJson(run, true, file.path);
+        } else {
+            result.out = file.path + ": " + calcSummary(run) + "\n";
+            for (const ErrorLine& e : run.errors) result.out += file.path + ": " + e.field + ": " + e.text + "\n";
+        }
+        return result;
+    };
+    return runBatch(files, batch.settings("calculated"), task);
 }
 
 // ---------------------------------------------------------------- validate
 
 int commandValidate(const std::vector<std::string>& argv) {
     bool xml = false;
+    BatchOptions batch;
     std::vector<std::string> paths;
     for (Args args(argv); args.next();) {
         const std::string& a = args.current();
         if (a == "--xml") xml = true;
         else if (a == "--help") return showHelp(kValidateHelp);
+        else if (batch.take(args)) continue;
         else if (isOption(a)) throw InputError{"unknown option " + a + " (see 'ct600 validate --help')"};
-        else if (paths.empty()) paths.push_back(a);
-        else throw InputError{"validate takes one file"};
+        else paths.push_back(a);
     }
     if (paths.empty()) throw InputError{"validate needs a file"};
     requireTemplate();
 
-    const ValidateRun run = runValidate(paths[0], xml);
-    std::fputs(run.text.c_str(), stdout);
-    return run.errorsFound ? kExitErrorsFound : kExitOk;
+    if (!isBatch(paths)) {
+        const ValidateRun run = runValidate(paths[0], xml);
+        std::fputs(run.text.c_str(), stdout);
+        return run.errorsFound ? kExitErrorsFound : kExitOk;
+    }
+
+    const std::vector<InputFile> files = collectInputs(paths);
+    // In the XML document a return that gives no Errors of its own still has its element.
+    const auto problemElement = [](const InputFile& file, const std::string& why) {
+        CXMLVar element("Errors");
+        element.SetAttr("file", file.path.c_str());
+        element.SetAttr("unreadable", why.c_str());
+        CString text;
+        element.Save(text, 0);
+        return text.str() + "\n";
+    };
+    const auto task = [&](const InputFile& file) {
+        FileResult result;
+        try {
+            const ValidateRun run = runValidate(file.path, xml, xml ? file.path : std::string());
+            result.status = run.errorsFound ? FileStatus::Errors : FileStatus::Clean;
+            if (xml) {
+                result.out = run.text;
+            } else {
+                std::size_t at = 0;
+                while (at < run.text.size()) {
+                    const std::size_t end = run.text.find('\n', at);
+                    result.out += file.path + ": " + run.text.substr(at, end - at) + "\n";
+                    at = end == std::string::npos ? run.text.size() : end + 1;
+                }
+            }
+        } catch (const InputError& e) {
+            result.status = FileStatus::Unreadable;
+            result.err = "ct600: " + e.message + "\n";
+            if (xml) result.out = problemElement(file, e.message);
+        }
+        return result;
+    };
+    BatchSettings settings = batch.settings("validated");
+    if (xml) {
+        settings.header = "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n<Batch>\n";
+        settings.footer = "</Batch>\n";
+        settings.failedOut = problemElement;
+    }
+    return runBatch(files, settings, task);
 }
 
 // ---------------------------------------------------------------- the others

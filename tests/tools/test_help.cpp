@@ -13,8 +13,8 @@ TEST(Help, EachCommandNamesItsOptionsAndExitStatus) {
         const char* command;
         std::vector<const char*> options;
     } commands[] = {
-        {"calc", {"--entry NAME", "--json", "--all", "--report DIR", "-o OUT"}},
-        {"validate", {"--xml"}},
+        {"calc", {"--entry NAME", "--json", "--all", "--report DIR", "-o OUT", "--jobs N", "--timeout SECONDS"}},
+        {"validate", {"--xml", "--jobs N", "--timeout SECONDS"}},
         {"report", {"--entry NAME", "-o OUT"}},
         {"message", {}},
         {"entries", {}},
