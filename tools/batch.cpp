@@ -319,7 +319,8 @@ public:
             stopAll();
             progress_.clear();
             std::fflush(stdout);
-            std::fprintf(stderr, "ct600: interrupted after %zu of %zu files\n", done_, files_.size());
+            if (g_interrupted != SIGPIPE)
+                std::fprintf(stderr, "ct600: interrupted after %zu of %zu files\n", done_, files_.size());
             return 0;
         }
         emitReady();
@@ -464,7 +465,9 @@ private:
                 std::fflush(stdout);
                 std::fputs(r.err.c_str(), stderr);
             }
-            if (!r.out.empty()) std::fwrite(r.out.data(), 1, r.out.size(), stdout);
+            // A reader that has gone (| head) ends the batch as it would end a filter.
+            if (!r.out.empty() && std::fwrite(r.out.data(), 1, r.out.size(), stdout) < r.out.size() && errno == EPIPE)
+                g_interrupted = SIGPIPE;
             r = FileResult{};
             ++nextOut_;
         }
