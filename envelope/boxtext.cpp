@@ -140,6 +140,7 @@ const char* BoxKindName(BoxKind kind) {
 
 CString FormatBox(BoxKind kind, const char* text) {
     const std::string_view raw(text ? text : "");
+    if (raw.empty()) return CString();  // most of a template's boxes are not filled
     switch (kind) {
         case BoxKind::Text: return CString(trimmed(raw));
         case BoxKind::Amount: return formatAmount(withoutMark(raw), false);
