@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <source_location>
 #include <string>
 #include <vector>
 
@@ -14,26 +15,28 @@ namespace {
 
 using Check = std::function<void(CXMLVar* node, CXMLVar* errors)>;
 
-struct ValueCase {
-    const char* what;
-    Check check;
-    std::string value;
-    std::vector<std::string> expected;  // error texts; empty when the value passes
+// A value, and the message its check gives it; empty when the value passes.
+struct Value {
+    std::string value, message;
 };
-
-// Each case runs its check on an element CompanyName holding the value.
-void runValueCases(const std::vector<ValueCase>& cases) {
-    for (const ValueCase& c : cases) {
-        CXMLVar node("CompanyName", c.value.c_str());
-        CXMLVar errors("Errors");
-        c.check(&node, &errors);
-        EXPECT_EQ(texts(errors), c.expected) << c.what << " on \"" << c.value << "\"";
-        EXPECT_EQ(node.value.str(), c.value) << "a check must not change the node";
-    }
-}
 
 std::string err(const std::string& value, const std::string& message) {
     return "Company Name: value \"" + value + "\" - " + message;
+}
+
+// Runs the check on an element CompanyName holding each value in turn.
+void expectValues(const Check& check, const std::vector<Value>& values,
+                  std::source_location where = std::source_location::current()) {
+    const testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()), "values from here");
+    for (const Value& v : values) {
+        CXMLVar node("CompanyName", v.value.c_str());
+        CXMLVar errors("Errors");
+        check(&node, &errors);
+        const std::vector<std::string> expected =
+            v.message.empty() ? std::vector<std::string>{} : std::vector<std::string>{err(v.value, v.message)};
+        EXPECT_EQ(texts(errors), expected) << "on \"" << v.value << "\"";
+        EXPECT_EQ(node.value.str(), v.value) << "a check must not change the node";
+    }
 }
 
 const Check minLength2 = [](CXMLVar* n, CXMLVar* e) { checkminlength(2, "", n, e); };
@@ -41,33 +44,21 @@ const Check maxLength3 = [](CXMLVar* n, CXMLVar* e) { checkmaxlength(3, "", n, e
 const Check length10 = [](CXMLVar* n, CXMLVar* e) { checklength(10, "", n, e); };
 
 TEST(Checks, Lengths) {
-    runValueCases({
-        {"min 2", minLength2, "A", {err("A", "less than minimum 2 characters")}},
-        {"min 2", minLength2, "", {err("", "less than minimum 2 characters")}},
-        {"min 2", minLength2, "AB", {}},
-        {"min 2, bytes", minLength2, "\xA3\xA3", {}},
-        {"max 3", maxLength3, "ABCD", {err("ABCD", "greater than maximum 3 characters")}},
-        {"max 3", maxLength3, "ABC", {}},
-        {"max 3", maxLength3, "", {}},
-        {"max 3, bytes not characters", maxLength3, "\xC2\xA3\xC2\xA3", {err("\xC2\xA3\xC2\xA3", "greater than maximum 3 characters")}},
-        {"exactly 10", length10, "12345678901", {err("12345678901", "must be 10 characters")}},
-        {"exactly 10", length10, "123456789", {err("123456789", "must be 10 characters")}},
-        {"exactly 10", length10, "1234567890", {}},
-    });
+    expectValues(minLength2, {{"A", "less than minimum 2 characters"}, {"", "less than minimum 2 characters"},
+        {"AB", ""}, {"\xA3\xA3", ""}});
+    expectValues(maxLength3, {{"ABCD", "greater than maximum 3 characters"}, {"ABC", ""}, {"", ""},
+        {"\xC2\xA3\xC2\xA3", "greater than maximum 3 characters"}});
+    expectValues(length10, {{"12345678901", "must be 10 characters"}, {"123456789", "must be 10 characters"},
+        {"1234567890", ""}});
 }
 
 TEST(Checks, PatternReportsThePatternsMessage) {
     const Check tenDigits = [](CXMLVar* n, CXMLVar* e) { checkpattern("[0-9]{10}", "", n, e); };
     const Check wholePounds = [](CXMLVar* n, CXMLVar* e) { checkpattern(".*\\.00", "", n, e); };
     const Check notInCatalogue = [](CXMLVar* n, CXMLVar* e) { checkpattern("[ab]+", "", n, e); };
-    runValueCases({
-        {"ten digits", tenDigits, "12345678901", {err("12345678901", "does not match the pattern [0-9]{10}")}},
-        {"ten digits", tenDigits, "1234567890", {}},
-        {"whole pounds", wholePounds, "12.00", {}},
-        {"whole pounds", wholePounds, "12.50", {err("12.50", "does not match the pattern .*\\.00")}},
-        {"any pattern", notInCatalogue, "abba", {}},
-        {"any pattern", notInCatalogue, "abc", {err("abc", "does not match the pattern [ab]+")}},
-    });
+    expectValues(tenDigits, {{"12345678901", "does not match the pattern [0-9]{10}"}, {"1234567890", ""}});
+    expectValues(wholePounds, {{"12.00", ""}, {"12.50", "does not match the pattern .*\\.00"}});
+    expectValues(notInCatalogue, {{"abba", ""}, {"abc", "does not match the pattern [ab]+"}});
 }
 
 TEST(Checks, LimitsCompareAsNumbers) {
@@ -79,48 +70,25 @@ TEST(Checks, LimitsCompareAsNumbers) {
     const std::string le = "must be less than or equal to ";
     const std::string ge = "must be greater than of equal to ";
     const std::string gt = "must be greater than ";
-    runValueCases({
-        {"max pence", maxPence, "99999999999.99", {}},
-        {"max pence", maxPence, "100000000000.00", {err("100000000000.00", le + "99999999999.99")}},
-        {"max pence", maxPence, "-5.00", {}},
-        // not a number: counts as 0, and the type's decimal check has reported
-        {"max pence", maxPence, "abc", {}},
-        {"max pence", maxPence, "1e400", {err("1e400", le + "99999999999.99")}},
-        {"max pence", maxPence, "nan", {}},
-        // about fifteen digits: the two compare as equal
-        {"max turnover", maxTurnover, "1000000000000000000.00", {}},
-        {"max turnover", maxTurnover, "2000000000000000000.00", {err("2000000000000000000.00", le + "999999999999999999.00")}},
-        {"max 10", maxTen, "10", {}},
-        {"max 10", maxTen, "10.00", {}},
-        {"max 10", maxTen, "11", {err("11", le + "10")}},
-        {"max 10", maxTen, " 11", {err(" 11", le + "10")}},
-        {"max 10", maxTen, "9abc", {}},
-        {"min 0", minZero, "0.00", {}},
-        {"min 0", minZero, "-0.00", {}},
-        {"min 0", minZero, "-0.01", {err("-0.01", ge + "0.00")}},
-        {"min 0", minZero, "--1", {}},
-        {"min 0", minZero, "nan", {}},
-        {"above 0", aboveZero, "0.01", {}},
-        {"above 0", aboveZero, "0.00", {err("0.00", gt + "0.00")}},
-        {"above 0", aboveZero, "-1.00", {err("-1.00", gt + "0.00")}},
-        {"above 0", aboveZero, "abc", {err("abc", gt + "0.00")}},
-        {"above 0", aboveZero, "nan", {err("nan", gt + "0.00")}},
-    });
+    expectValues(maxPence, {{"99999999999.99", ""}, {"100000000000.00", le + "99999999999.99"}, {"-5.00", ""}});
+    // not a number: counts as 0, and the type's decimal check has reported
+    expectValues(maxPence, {{"abc", ""}, {"1e400", le + "99999999999.99"}, {"nan", ""}});
+    // about fifteen digits: the two compare as equal
+    expectValues(maxTurnover, {{"1000000000000000000.00", ""},
+        {"2000000000000000000.00", le + "999999999999999999.00"}});
+    expectValues(maxTen, {{"10", ""}, {"10.00", ""}, {"11", le + "10"}, {" 11", le + "10"}, {"9abc", ""}});
+    expectValues(minZero, {{"0.00", ""}, {"-0.00", ""}, {"-0.01", ge + "0.00"}, {"--1", ""}, {"nan", ""}});
+    expectValues(aboveZero, {{"0.01", ""}, {"0.00", gt + "0.00"}, {"-1.00", gt + "0.00"}, {"abc", gt + "0.00"},
+        {"nan", gt + "0.00"}});
 }
 
 // The one date limit compares as dates; a value that is no date has failed
 // its pattern and isn't ordered.
 TEST(Checks, ADateLimitComparesAsDates) {
     const Check fromApril2015 = [](CXMLVar* n, CXMLVar* e) { checkmininclusive("2015-04-01", "", n, e); };
-    runValueCases({
-        {"date", fromApril2015, "2015-03-31", {err("2015-03-31", "must be greater than of equal to 2015-04-01")}},
-        {"date", fromApril2015, "2014-12-31", {err("2014-12-31", "must be greater than of equal to 2015-04-01")}},
-        {"date", fromApril2015, "2015-04-01", {}},
-        {"date", fromApril2015, "2015-04-02", {}},
-        {"date", fromApril2015, "2024-01-01", {}},
-        {"date", fromApril2015, "01/04/2016", {}},
-        {"date", fromApril2015, "", {}},
-    });
+    expectValues(fromApril2015, {{"2015-03-31", "must be greater than of equal to 2015-04-01"},
+        {"2014-12-31", "must be greater than of equal to 2015-04-01"}, {"2015-04-01", ""}, {"2015-04-02", ""},
+        {"2024-01-01", ""}, {"01/04/2016", ""}, {"", ""}});
 }
 
 TEST(Checks, NumbersAndYears) {
@@ -129,35 +97,15 @@ TEST(Checks, NumbersAndYears) {
     const Check nonNegative = [](CXMLVar* n, CXMLVar* e) { checknonnegative("", n, e); };
     const Check year = [](CXMLVar* n, CXMLVar* e) { checkyear("", n, e); };
     const std::string nni = "must be non negative integer";
-    runValueCases({
-        {"integer", integer, "12", {}},
-        {"integer", integer, "-1", {}},
-        {"integer", integer, "1.5", {err("1.5", "must be integer")}},
-        {"integer", integer, "", {err("", "must be integer")}},
-        {"integer", integer, " 1", {err(" 1", "must be integer")}},
-        {"decimal", decimal, "1.50", {}},
-        {"decimal", decimal, "-7", {}},
-        {"decimal", decimal, "1.2.3", {err("1.2.3", "must be a decimal number")}},
-        {"decimal", decimal, "abc", {err("abc", "must be a decimal number")}},
-        {"decimal", decimal, "", {err("", "must be a decimal number")}},
-        {"non negative", nonNegative, "0", {}},
-        {"non negative", nonNegative, "7", {}},
-        {"non negative", nonNegative, "9999999999", {}},
-        {"non negative", nonNegative, "-1", {err("-1", nni)}},
-        {"non negative", nonNegative, "00", {err("00", nni)}},
-        {"non negative", nonNegative, "1.0", {err("1.0", nni)}},
-        {"non negative", nonNegative, "", {err("", nni)}},
-        {"year", year, "1900", {}},
-        {"year", year, "2100", {}},
-        {"year", year, "2023", {}},
-        {"year", year, "1899", {err("1899", "must be valid year")}},
-        {"year", year, "2101", {err("2101", "must be valid year")}},
-        {"year", year, "20.5", {err("20.5", "must be valid year")}},
-        {"year", year, "", {err("", "must be valid year")}},
-        {"year", year, "-2000", {err("-2000", "must be valid year")}},
-        {"year", year, "99999999999999999999999", {err("99999999999999999999999", "must be valid year")}},
-        {"year", year, "000002000", {}},
-    });
+    expectValues(integer, {{"12", ""}, {"-1", ""}, {"1.5", "must be integer"}, {"", "must be integer"},
+        {" 1", "must be integer"}});
+    expectValues(decimal, {{"1.50", ""}, {"-7", ""}, {"1.2.3", "must be a decimal number"},
+        {"abc", "must be a decimal number"}, {"", "must be a decimal number"}});
+    expectValues(nonNegative, {{"0", ""}, {"7", ""}, {"9999999999", ""}, {"-1", nni}, {"00", nni}, {"1.0", nni},
+        {"", nni}});
+    expectValues(year, {{"1900", ""}, {"2100", ""}, {"2023", ""}, {"1899", "must be valid year"},
+        {"2101", "must be valid year"}, {"20.5", "must be valid year"}, {"", "must be valid year"},
+        {"-2000", "must be valid year"}, {"99999999999999999999999", "must be valid year"}, {"000002000", ""}});
 }
 
 TEST(Checks, EnumerationsReportAValueOutsideTheList) {
@@ -166,15 +114,9 @@ TEST(Checks, EnumerationsReportAValueOutsideTheList) {
     const Check yesFlag = [](CXMLVar* n, CXMLVar* e) { checkenumeration(yes, "", n, e); };
     const Check yesNoNa = [](CXMLVar* n, CXMLVar* e) { checkenumeration(noYesNa, "", n, e); };
     const Check none = [](CXMLVar* n, CXMLVar* e) { checkenumeration({}, "", n, e); };
-    runValueCases({
-        {"yes", yesFlag, "yes", {}},
-        {"yes", yesFlag, "Yes", {err("Yes", "must be \"yes\"")}},
-        {"yes", yesFlag, "", {err("", "must be \"yes\"")}},
-        {"no/yes/na", yesNoNa, "na", {}},
-        {"no/yes/na", yesNoNa, "no", {}},
-        {"no/yes/na", yesNoNa, "n/a", {err("n/a", "must be one of \"no\", \"yes\", \"na\"")}},
-        {"empty list", none, "anything", {}},
-    });
+    expectValues(yesFlag, {{"yes", ""}, {"Yes", "must be \"yes\""}, {"", "must be \"yes\""}});
+    expectValues(yesNoNa, {{"na", ""}, {"no", ""}, {"n/a", "must be one of \"no\", \"yes\", \"na\""}});
+    expectValues(none, {{"anything", ""}});
 }
 
 // The label: empty gives the node's name with spaces; anything else stands.

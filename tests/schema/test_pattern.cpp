@@ -7,7 +7,6 @@
 // sanitizers its libstdc++ internals set off false maybe-uninitialized warnings.
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 
-#include <chrono>
 #include <random>
 #include <regex>
 #include <set>
@@ -223,10 +222,10 @@ TEST(Pattern, LargeAutomataFallBackToStateSets) {
     EXPECT_FALSE(p.Matches("abc"));
 }
 
-// Time is linear in the text: no backtracking on nested repeats or on a long
-// value that fails at its last byte.
-TEST(Pattern, LongTextsAndNestedRepeatsStayLinear) {
-    const auto started = std::chrono::steady_clock::now();
+// No backtracking on nested repeats or on a long value that fails at its
+// last byte: a matcher that backtracks never finishes these (the time itself
+// is measured in the benchmarks).
+TEST(Pattern, LongTextsAndNestedRepeatsFinish) {
     const std::string longValue = std::string(4'000'000, '9') + ".00";
     EXPECT_TRUE(knownPattern(".*\\.00")->Matches(longValue));
     EXPECT_FALSE(knownPattern(".*\\.00")->Matches(longValue + "1"));
@@ -235,9 +234,6 @@ TEST(Pattern, LongTextsAndNestedRepeatsStayLinear) {
     EXPECT_FALSE(CSchemaPattern("(a*)*b").Matches(as));
     EXPECT_FALSE(CSchemaPattern("(a|a)*b").Matches(as));
     EXPECT_TRUE(CSchemaPattern("(a|aa)+").Matches(as));
-    const auto seconds =
-        std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
-    EXPECT_LT(seconds, 5.0);
 }
 
 // A second opinion from the standard library on texts close to the accepted
