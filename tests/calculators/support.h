@@ -11,12 +11,11 @@
 #include "common/errors.h"
 #include "common/library.h"
 #include "entry/calcbase.h"
+#include "support/capture.h"
 
 using Nums = std::initializer_list<std::pair<const char*, double>>;
 using Texts = std::initializer_list<std::pair<const char*, const char*>>;
 using Errors = std::vector<std::pair<std::string, std::string>>;  // field, message
-
-inline void quietErrors(const CObList&, const CStringList*, void*) {}
 
 // One run of a calculator over a box map, errors kept quiet and collected.
 template <class Calc>
@@ -29,18 +28,15 @@ struct BoxRun {
         return *this;
     }
     BoxRun& go(const char* prefix = "") {
-        SetErrorSink(quietErrors, nullptr);
-        {
-            Calc calc;
-            CString p(prefix);
-            CMapStringToString out;
-            Helper(&calc, &boxes, &p, &out);
-            for (CObject* o : calc.m_Errors) {
-                auto* e = static_cast<CError*>(o);
-                errors.emplace_back(e->m_Field.str(), e->m_Message.str());
-            }
+        const QuietErrors quiet;
+        Calc calc;
+        CString p(prefix);
+        CMapStringToString out;
+        Helper(&calc, &boxes, &p, &out);
+        for (CObject* o : calc.m_Errors) {
+            auto* e = static_cast<CError*>(o);
+            errors.emplace_back(e->m_Field.str(), e->m_Message.str());
         }
-        SetErrorSink(nullptr, nullptr);
         return *this;
     }
     double num(const char* key) { return myatof(boxes[key]); }

@@ -15,8 +15,7 @@ namespace {
 
 class Gen1 : public testing::Test, public BoxRun<CCT600_02Calc> {
 public:
-    void SetUp() override { SetErrorSink(quietErrors, nullptr); }
-    void TearDown() override { SetErrorSink(nullptr, nullptr); }
+    const QuietErrors quiet;
     Gen1& set(const char* key, const char* value) {
         BoxRun::set(key, value);
         return *this;

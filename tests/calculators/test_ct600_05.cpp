@@ -21,10 +21,9 @@ struct Run05 : BoxRun<CCT600_05Calc> {
         return *this;
     }
     Run05& go(const char* prefix = "") {
-        SetLogSink([](const char* line, void* ctx) { static_cast<std::vector<std::string>*>(ctx)->push_back(line); },
-                   &log);
+        const LogCapture capture;
         BoxRun::go(prefix);
-        SetLogSink(nullptr, nullptr);
+        log = capture.lines;
         return *this;
     }
 };

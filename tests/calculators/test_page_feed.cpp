@@ -27,7 +27,7 @@ TEST(PageFeed, TotalsReachTheMainReturnOnTheSecondRun) {
         // Page L: 450 of R&D credit payable (QL45, capped by QL25) reaches Q545 next time.
         {"L", {{"QL20", "450"}, {"QL30", "900!"}}, "Q530", "Q545", 0, 450},
     };
-    SetErrorSink(quietErrors, nullptr);
+    const QuietErrors quiet;
     for (const auto& c : cases) {
         CMapStringToString boxes, result;
         CString prefix;
@@ -40,7 +40,6 @@ TEST(PageFeed, TotalsReachTheMainReturnOnTheSecondRun) {
         EXPECT_EQ(myatof(boxes[c.fed]), fed) << "page " << c.page;
         EXPECT_EQ(myatof(boxes[c.reader]), c.secondRun) << "page " << c.page << ", second run";
     }
-    SetErrorSink(nullptr, nullptr);
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 // Helpers shared by the envelope's tests: trees from text, a compact picture
-// of a tree, box maps from the example files, the log and the environment.
+// of a tree, box maps from the example files and the environment.
 #pragma once
 
 #include <cstdlib>
@@ -13,6 +13,7 @@
 #include "common/xmlvar.h"
 #include "envelope/envelope.h"
 #include "platform/collections.h"
+#include "support/capture.h"
 
 namespace envtest {
 
@@ -127,25 +128,6 @@ public:
 private:
     std::string name_, old_;
     bool had_ = false;
-};
-
-// Collects the log lines of a scope.
-class LogCapture {
-public:
-    LogCapture() { SetLogSink(&LogCapture::take, this); }
-    ~LogCapture() { SetLogSink(nullptr, nullptr); }
-    LogCapture(const LogCapture&) = delete;
-    LogCapture& operator=(const LogCapture&) = delete;
-    bool Has(const std::string& line) const {
-        for (const auto& l : lines) if (l.find(line) != std::string::npos) return true;
-        return false;
-    }
-    std::vector<std::string> lines;
-
-private:
-    static void take(const char* line, void* context) {
-        static_cast<LogCapture*>(context)->lines.emplace_back(line ? line : "");
-    }
 };
 
 }  // namespace envtest

@@ -483,7 +483,7 @@ TEST_F(TemplateFolders, CtFormsComeFromTheTemplateFolderAndMoveToParentIsUnwrapp
     envtest::EnvGuard ct("CT600_TEMPLATE_DIR", (base_ / "ct").string());
     envtest::EnvGuard suite("CT600_SUITE_DIR", (base_ / "suite").string());
     CMapStringToString boxes = envtest::boxesOf({{"Q1", "a"}, {"Q2", "b"}});
-    envtest::LogCapture log;
+    LogCapture log;
     const std::unique_ptr<CXMLVar> message(quick_govtalk(&boxes, "ctmove"));
     EXPECT_EQ(compact(message.get()), "GovTalkMessage(Body(IRenvelope(CompanyTaxReturn(A=a B=b C=fixed))))");
     EXPECT_TRUE(log.Has("quick_govtalk() template=" + (base_ / "ct").string() + "/ctmove.xml")) << log.lines.size();
@@ -502,7 +502,7 @@ TEST_F(TemplateFolders, AMissingTemplateGivesNullAndALogLine) {
     const std::string path = (base_ / "empty").string() + "/ctv3_16.xml";
     std::filesystem::remove(GetTempDir().str() + "/t.xml");
     CMapStringToString boxes = envtest::boxesOf({{"fileattach1", "a.pdf"}});
-    envtest::LogCapture log;
+    LogCapture log;
     EXPECT_EQ(quick_govtalk(boxes), nullptr);
     EXPECT_TRUE(log.Has("quick_govtalk() template=" + path));
     EXPECT_TRUE(log.Has("quick_govtalk() " + path + " missing"));

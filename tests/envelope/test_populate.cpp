@@ -146,7 +146,7 @@ TEST(Populate, ADeepTemplateIsCutOffNotCrashedOn) {
     std::unique_ptr<CXMLVar> data(TaxToXML(envtest::boxesOf({{"Q1", "x"}})));
     CXMLVar* seen = nullptr;
     CGovTalk filler(seen);
-    envtest::LogCapture log;
+    LogCapture log;
     std::unique_ptr<CXMLVar> doc(filler.Populate(templ.get(), data.get(), 0, ""));
     filler.RemoveConditionals(doc.get());
     // The box lies below the cut, so nothing inside is filled.

@@ -13,6 +13,7 @@
 #include "common/library.h"
 #include "common/xmlvar.h"
 #include "platform/message_box.h"
+#include "support/capture.h"
 
 // Value at a path of child names ("FY1/MSCR/m2"), or "<missing>".
 inline std::string valueAt(const CXMLVar& root, const char* path) {
@@ -41,12 +42,3 @@ using Texts = std::initializer_list<std::pair<const char*, const char*>>;
 inline void expectResults(const CMapStringToString& map, Texts rows, const std::string& why = "") {
     for (const auto& [key, value] : rows) EXPECT_EQ(result(map, key), value) << key << " " << why;
 }
-
-// Collects the messages shown while it lives.
-struct MessageLog {
-    std::vector<std::string> lines;
-    MessageLog() {
-        SetMessageSink([](const char* text, void* ctx) { static_cast<MessageLog*>(ctx)->lines.push_back(text); }, this);
-    }
-    ~MessageLog() { SetMessageSink(nullptr, nullptr); }
-};

@@ -127,7 +127,7 @@ TEST(CTcharge16, HugeFiguresDoNotBreakTheRun) {
 }
 
 TEST(CTcharge16, PeriodAboveTwelveMonthsIsShownOnceAndTheRunGoesOn) {
-    MessageLog messages;
+    MessageCapture messages;
     charge({"01/04/2011", "31/03/2012", "100000"});  // 366 days: accepted
     EXPECT_TRUE(messages.lines.empty());
     // 367 days: FY2010 365 days at 21%, FY2011 2 days at 20%.

@@ -187,7 +187,7 @@ TEST(CTcharge02, ReadsBoxesUnderThePrefixAndDatesWithout) {
 }
 
 TEST(CTcharge02, PeriodAboveTwelveMonthsHasItsOwnWording) {
-    MessageLog messages;
+    MessageCapture messages;
     charge02({"01/04/2001", "31/03/2002", "30000"});  // 365 days
     const CMapStringToString r = charge02({"01/04/2001", "02/04/2002", "30000"});
     EXPECT_EQ(messages.lines, std::vector<std::string>{"Error: accounting period cannot exceed 12 months"});

@@ -165,7 +165,7 @@ TEST(CTcharge05, NoProfitBlanksTheFirstYearOnly) {
 }
 
 TEST(CTcharge05, AMissingDateStandsForTheEdgeOfTheOtherDatesYear) {
-    MessageLog messages;
+    MessageCapture messages;
     struct Case {
         Inputs in;
         const char *q43, *q44, *q53, *q54, *q55, *chargeable;
@@ -190,7 +190,7 @@ TEST(CTcharge05, AMissingDateStandsForTheEdgeOfTheOtherDatesYear) {
 }
 
 TEST(CTcharge05, PeriodAboveTwelveMonthsIsShownAndTheRunGoesOn) {
-    MessageLog messages;
+    MessageCapture messages;
     const CMapStringToString r = charge05({"01/04/2004", "02/04/2005", "30000"});
     EXPECT_EQ(messages.lines, std::vector<std::string>{"Error: return period cannot exceed 12 months"});
     EXPECT_EQ(result(r, "Q53"), "2005");
@@ -198,15 +198,12 @@ TEST(CTcharge05, PeriodAboveTwelveMonthsIsShownAndTheRunGoesOn) {
 }
 
 TEST(CTcharge05, LogsItsWorking) {
-    std::vector<std::string> log;
-    SetLogSink([](const char* line, void* ctx) { static_cast<std::vector<std::string>*>(ctx)->push_back(line); },
-               &log);
+    LogCapture log;
     charge05({"01/04/2004", "31/03/2005", "30000"}, "S");
-    SetLogSink(nullptr, nullptr);
     const std::vector<std::string> expected = {
         "s2=", "Ct600_05 prefix=S profit=30000.000000", "doing ct comp",
         "scr=1 ctcharge=4750.000000 setting Q42 to y", "marginal=950.000000 setting Q42 to y"};
-    EXPECT_EQ(log, expected);
+    EXPECT_EQ(log.lines, expected);
 }
 
 TEST(CTcharge05, ReadsUnderThePrefixAndLeavesTheTree) {

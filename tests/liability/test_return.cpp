@@ -8,8 +8,6 @@
 
 namespace {
 
-void quietErrors(const CObList&, const CStringList*, void*) {}
-
 struct Expected {
     const char *q330, *q335, *q340, *q345, *q380, *q385, *q390, *q395, *q430, *q70;
 };
@@ -21,9 +19,8 @@ void checkTaxRows(const CMapStringToString& boxes, const Expected& e) {
 
 class Return : public testing::Test {
 protected:
+    QuietErrors quiet;
     CMapStringToString boxes, out;
-    void SetUp() override { SetErrorSink(quietErrors, nullptr); }
-    void TearDown() override { SetErrorSink(nullptr, nullptr); }
     void run(const char* from, const char* to, const char* profit, const char* prefix = "") {
         boxes["from"] = from;
         boxes["to"] = to;

@@ -15,6 +15,7 @@
 #include "common/basics.h"
 #include "rules/catalogue/catalogue.h"
 #include "support.h"
+#include "support/capture.h"
 
 namespace {
 
@@ -822,9 +823,6 @@ TEST_F(Catalogue, EachUnitHoldsItsGroups) {
     }
 }
 
-std::vector<std::string> g_log;
-void captureLog(const char* line, void*) { g_log.emplace_back(line); }
-
 // The rules marked with a dagger test completion through the logging or: one
 // line each time the test gets that far, and no line when it stops before.
 TEST_F(Catalogue, DaggerRulesLogWhenTheyReachTheirTest) {
@@ -870,13 +868,11 @@ TEST_F(Catalogue, DaggerRulesLogWhenTheyReachTheirTest) {
              "operator|| (bool) on 0, returns 0",       // 9518
          }},
     };
-    SetLogSink(captureLog, nullptr);
     for (const auto& run : runs) {
-        g_log.clear();
+        LogCapture log;
         runWith(run.edits, run.base);
-        EXPECT_EQ(g_log, run.lines);
+        EXPECT_EQ(log.lines, run.lines);
     }
-    SetLogSink(nullptr, nullptr);
 }
 
 std::vector<std::string> codesOf(const std::vector<std::string>& texts) {

@@ -9,6 +9,7 @@
 #include "common/basics.h"
 #include "rules/rulevalue.h"
 #include "support.h"
+#include "support/capture.h"
 
 namespace {
 
@@ -165,12 +166,8 @@ TEST(RuleValue, ComparesByTheRightOperand) {
     }
 }
 
-std::vector<std::string> g_log;
-void captureLog(const char* line, void*) { g_log.emplace_back(line); }
-
 TEST(RuleValue, OrOperatorsAndTheirLogLine) {
-    SetLogSink(captureLog, nullptr);
-    g_log.clear();
+    LogCapture log;
     const struct {
         const char* why;
         Made left;
@@ -185,19 +182,17 @@ TEST(RuleValue, OrOperatorsAndTheirLogLine) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.why);
-        g_log.clear();
+        log.lines.clear();
         EXPECT_EQ(make(c.left) || c.right, c.result);
-        ASSERT_EQ(g_log.size(), 1u);
-        EXPECT_EQ(g_log[0], c.line);
+        EXPECT_EQ(log.lines, std::vector<std::string>{c.line});
     }
-    g_log.clear();
+    log.lines.clear();
     EXPECT_TRUE(true || make(none));
     EXPECT_TRUE(false || make(leaf("x")));
     EXPECT_FALSE(false || make(leaf("")));
     EXPECT_TRUE(make(leaf("")) || make(leaf("a")));
     EXPECT_FALSE(make(none) || make(leaf("")));
-    EXPECT_TRUE(g_log.empty()) << "only the bool on the right logs";
-    SetLogSink(nullptr, nullptr);
+    EXPECT_TRUE(log.lines.empty()) << "only the bool on the right logs";
 }
 
 TEST(RuleValue, FunctionLibrary) {
