@@ -51,6 +51,8 @@ TEST(CTcharge16, ResultsByScenario) {
          "2005", "7397", "19", "2006", "22603", "19", "5782.52"},
         {"2005/2006 straddle can fall below net", {"01/01/2006", "31/12/2006", "30000", "", "0.02"},
          "2005", "7397", "19", "2006", "22603", "19", "5465.51"},
+        // 183 days in FY2011 (26%, 3/200): limits 300,000 x 183/365 = 150,410 and 1,500,000 x 183/365 = 752,054;
+        // 26% x 200,000 = 52,000.00 less 3/200 x (752,054 - 200,000) = 8,280.81.
         {"short period scales the limits", {"01/04/2011", "30/09/2011", "200000"},
          "2011", "200000", "26", "", "", "", "43719.19"},
         {"open ended investment trust", {"01/04/2012", "31/03/2013", "100000", "", "", "1"},
@@ -94,19 +96,6 @@ TEST(CTcharge16, MatchingLeavesItsWorkingInTheTree) {
     EXPECT_EQ(tree.FindChild("NCDs")->GetChildCount(), 0);
 }
 
-TEST(CTcharge16, NoProfitTakesTheShortWay) {
-    for (const char* profit : {"0", "-500", "garbage"}) {
-        const CMapStringToString r = charge({"01/04/2010", "31/03/2011", profit});
-        for (const char* key : {"Q330", "Q335", "Q340", "Q345"}) EXPECT_EQ(result(r, key), "") << profit;
-        EXPECT_EQ(result(r, "Q70"), "<unset>");
-        EXPECT_EQ(result(r, "Q380"), "<unset>");
-        CXMLVar tree("");
-        EXPECT_NE(tree.Open(*r.PLookup("xml/CT/CTchargeable")), 0);
-        EXPECT_EQ(tree.GetChildCount(), 7);
-        EXPECT_EQ(tempFile("calc.htm"), "x no profit\n");
-    }
-}
-
 TEST(CTcharge16, MissingOrBadDatesEndSilently) {
     const Inputs cases[] = {{"", "31/03/2011", "1000"},         {"01/04/2010", "", "1000"},
                             {"01/04/2011", "31/03/2011", "1000"}, {"31/02/2010", "31/03/2011", "1000"},
@@ -126,19 +115,68 @@ TEST(CTcharge16, HugeFiguresDoNotBreakTheRun) {
     }
 }
 
-TEST(CTcharge16, PeriodAboveTwelveMonthsIsShownOnceAndTheRunGoesOn) {
-    MessageCapture messages;
-    charge({"01/04/2011", "31/03/2012", "100000"});  // 366 days: accepted
-    EXPECT_TRUE(messages.lines.empty());
+// What the three generations' drivers share, with each one's own keys: the
+// no-profit way, and a period above twelve months that is shown and charged.
+struct Driver {
+    void (*charge)(CMapStringToString*, CString, CMapStringToString*);
+    const char *from, *to, *profit;             // the keys read
+    const char *leapFrom, *leapTo;              // 366 days, accepted
+    const char *longFrom, *longTo;              // 367 days
+    std::vector<const char*> blanked, unset;  // without profit
+    const char *noProfitReport, *tooLong;
+    Texts longResults;
+    int noProfitTree;  // children of the short tree; 0 for no tree
+};
+
+const Driver kDrivers[] = {
     // 367 days: FY2010 365 days at 21%, FY2011 2 days at 20%.
     // 365/367 x 100,000 = 99,455.04 -> 99,455 x 21% = 20,885.55; 545 x 20% = 109.00.
-    const CMapStringToString r = charge({"01/04/2010", "02/04/2011", "100000"});
-    EXPECT_EQ(messages.lines, std::vector<std::string>{"Error: return period cannot exceed 12 months"});
-    EXPECT_EQ(result(r, "Q70"), "20994.55");
-    EXPECT_EQ(tempFile("calc.htm").rfind("<H2>Error: return period cannot exceed 12 months</H2>"
-                                         "<H1>Corporation tax chargeable</H1><H2>Financial year 2010</H2>",
-                                         0),
-              0u);
+    {&CTcharge_16, "from", "to", "Q315", "01/04/2011", "31/03/2012", "01/04/2010", "02/04/2011",
+     {"Q330", "Q335", "Q340", "Q345"}, {"Q70", "Q380"}, "x no profit\n", "Error: return period cannot exceed 12 months",
+     {{"Q380", "2011"}, {"Q70", "20994.55"}}, 7},
+    {&CTcharge_05, "from", "to", "Q37", "01/04/2003", "31/03/2004", "01/04/2004", "02/04/2005",
+     {"Q43", "Q44", "Q45", "Q46"}, {"Q42", "Q53", "Q64"}, "x no profit\n",
+     "Error: return period cannot exceed 12 months", {{"Q53", "2005"}}, 7},
+    {&CTcharge_02, "From", "To", "Q33", "01/04/2003", "31/03/2004", "01/04/2001", "02/04/2002",
+     {"Q39", "Q40", "Q49", "Q50"}, {"Q41", "Q51", "Q60"}, "no profit\n",
+     "Error: accounting period cannot exceed 12 months", {{"Q49", "2002"}}, 0},
+};
+
+CMapStringToString chargeBy(const Driver& d, const char* from, const char* to, const char* profit) {
+    CMapStringToString boxes, results;
+    boxes[d.from] = from;
+    boxes[d.to] = to;
+    boxes[d.profit] = profit;
+    d.charge(&boxes, "", &results);
+    return results;
+}
+
+TEST(AllDrivers, NoProfitBlanksTheFirstYearOnly) {
+    for (const Driver& d : kDrivers)
+        for (const char* profit : {"0", "-500", "garbage"}) {
+            const std::string why = std::string(d.profit) + " = " + profit;
+            const CMapStringToString r = chargeBy(d, d.leapFrom, d.leapTo, profit);
+            for (const char* key : d.blanked) EXPECT_EQ(result(r, key), "") << key << ", " << why;
+            for (const char* key : d.unset) EXPECT_EQ(result(r, key), "<unset>") << key << ", " << why;
+            EXPECT_EQ(tempFile("calc.htm"), d.noProfitReport) << why;
+            CXMLVar tree("");
+            if (const CString* text = r.PLookup("xml/CT/CTchargeable")) tree.Open(*text);
+            EXPECT_EQ(tree.GetChildCount(), d.noProfitTree) << why;
+        }
+}
+
+TEST(AllDrivers, PeriodAboveTwelveMonthsIsShownOnceAndTheRunGoesOn) {
+    for (const Driver& d : kDrivers) {
+        const MessageCapture messages;
+        chargeBy(d, d.leapFrom, d.leapTo, "100000");
+        EXPECT_TRUE(messages.lines.empty()) << d.profit;
+        const CMapStringToString r = chargeBy(d, d.longFrom, d.longTo, "100000");
+        EXPECT_EQ(messages.lines, std::vector<std::string>{d.tooLong});
+        expectResults(r, d.longResults, d.profit);
+        const std::string heading = "<H2>" + std::string(d.tooLong) + "</H2><H1>Corporation tax chargeable</H1>" +
+                                    "<H2>Financial year " + std::string(d.longFrom).substr(6) + "</H2>";
+        EXPECT_EQ(tempFile("calc.htm").rfind(heading, 0), 0u) << d.profit;
+    }
 }
 
 }  // namespace

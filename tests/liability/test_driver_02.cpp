@@ -134,15 +134,6 @@ TEST(CTcharge02, ReportWordForWord) {
     EXPECT_EQ(tempFile("calc.htm"), expected);
 }
 
-TEST(CTcharge02, NoProfitLeavesTheRatesAlone) {
-    for (const char* profit : {"0", "-5", "nothing"}) {
-        const CMapStringToString r = charge02({"01/04/2001", "31/03/2002", profit});
-        for (const char* key : {"Q39", "Q40", "Q49", "Q50"}) EXPECT_EQ(result(r, key), "") << profit;
-        for (const char* key : {"Q41", "Q51", "Q60"}) EXPECT_EQ(result(r, key), "<unset>") << profit;
-        EXPECT_EQ(tempFile("calc.htm"), "no profit\n");
-    }
-}
-
 TEST(CTcharge02, WritesNoTreeAndNoTreeFile) {
     const CString treeFile = NativePath(GetTempDir() + "\\ctcharge.xml");
     std::remove(treeFile.c_str());
@@ -184,15 +175,6 @@ TEST(CTcharge02, ReadsBoxesUnderThePrefixAndDatesWithout) {
     CTcharge_02(&boxes, "S", &results);
     expectResults(results, {{"Q40", "8000"}, {"Q60", "425.00"}, {"SQ40", "<unset>"}});
     EXPECT_EQ(chargeableInReport(), "1175.00");
-}
-
-TEST(CTcharge02, PeriodAboveTwelveMonthsHasItsOwnWording) {
-    MessageCapture messages;
-    charge02({"01/04/2001", "31/03/2002", "30000"});  // 365 days
-    const CMapStringToString r = charge02({"01/04/2001", "02/04/2002", "30000"});
-    EXPECT_EQ(messages.lines, std::vector<std::string>{"Error: accounting period cannot exceed 12 months"});
-    EXPECT_EQ(tempFile("calc.htm").rfind("<H2>Error: accounting period cannot exceed 12 months</H2><H1>", 0), 0u);
-    EXPECT_EQ(result(r, "Q49"), "2002");
 }
 
 TEST(CTcharge02, BadInputDoesNotBreakTheRun) {

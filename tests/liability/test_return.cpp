@@ -53,17 +53,6 @@ TEST_F(Return, StraddleAtSmallCompaniesRates) {
                          "20498.630000", "20498.63"});
 }
 
-TEST_F(Return, ShortPeriodReducesTheLimits) {
-    // 01/04/2011 to 30/09/2011: 183 days, all in FY2011 (main 26%, small 20%, 3/200).
-    // Lower limit 300,000 x 183/365 = 150,410.96 -> 150,410;
-    // upper 1,500,000 x 183/365 = 752,054.79 -> 752,054.
-    // 200,000 is above the lower limit: 26% x 200,000 = 52,000.00
-    // less 3/200 x (752,054 - 200,000) = 8,280.81; tax chargeable 43,719.19.
-    run("01/04/2011", "30/09/2011", "200000");
-    checkTaxRows(boxes, {"2011", "200000", "26", "52000.000000", "", "", "", "0.000000", "52000.000000",
-                         "43719.19"});
-}
-
 TEST_F(Return, LeapYearStraddleWithReliefInBothYears) {
     // Calendar 2012: 366 days, 91 in FY2011 (26%, 3/200) and 275 in FY2012 (24%, 1/100).
     // 91/366 x 500,000 = 124,316.94 -> 124,317; FY2012 375,683.
