@@ -14,25 +14,13 @@
 #include "envelope/envelope.h"
 #include "platform/collections.h"
 #include "support/capture.h"
+#include "support/tree.h"
 
 namespace envtest {
 
 inline std::string sourcePath(const std::string& relative) { return std::string(CT600_SOURCE_DIR) + "/" + relative; }
 
 inline std::string templateFolder() { return sourcePath("envelope/templates"); }
-
-inline std::string readText(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-inline std::unique_ptr<CXMLVar> parse(const std::string& xml) {
-    auto node = std::make_unique<CXMLVar>();
-    node->Open(CString(xml));
-    return node;
-}
 
 inline std::unique_ptr<CXMLVar> loadTemplate() {
     auto node = std::make_unique<CXMLVar>();
@@ -60,30 +48,6 @@ inline std::string compact(const CXMLVar* node) {
     return out;
 }
 
-// Follows names separated by "/"; "Name[2]" is the second child of that name.
-inline const CXMLVar* find(const CXMLVar* node, const std::string& path) {
-    std::size_t start = 0;
-    while (node && start < path.size()) {
-        std::size_t slash = path.find('/', start);
-        if (slash == std::string::npos) slash = path.size();
-        std::string step = path.substr(start, slash - start);
-        int nth = 1;
-        if (const auto open = step.find('['); open != std::string::npos) {
-            nth = std::atoi(step.c_str() + open + 1);
-            step.erase(open);
-        }
-        const CXMLVar* next = nullptr;
-        for (const CXMLVar* child : node->children)
-            if (child->name.str() == step && --nth == 0) {
-                next = child;
-                break;
-            }
-        node = next;
-        start = slash + 1;
-    }
-    return node;
-}
-
 inline CMapStringToString boxesOf(const std::vector<std::pair<const char*, const char*>>& pairs) {
     CMapStringToString boxes;
     for (const auto& [k, v] : pairs) boxes[k] = v;
@@ -94,7 +58,7 @@ inline CMapStringToString boxesOf(const std::vector<std::pair<const char*, const
 // quoted texts alternate key, value.
 inline CMapStringToString boxesFromJsonFile(const std::string& path) {
     CMapStringToString boxes;
-    const std::string text = readText(path);
+    const std::string text = readFile(path);
     std::vector<std::string> quoted;
     for (std::size_t open = text.find('"'); open != std::string::npos; open = text.find('"', open)) {
         const std::size_t close = text.find('"', open + 1);

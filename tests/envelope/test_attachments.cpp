@@ -61,7 +61,7 @@ TEST(AttachFiles, PlacesEachKindOfFile) {
 }
 
 TEST(AttachFiles, KeepsWhatTheDocumentAlreadyHas) {
-    auto doc = envtest::parse(
+    auto doc = parseXml(
         "<Doc><Declaration/><AttachedFiles><Attachment Filename=\"old.pdf\">x</Attachment></AttachedFiles></Doc>");
     CMapStringToString boxes = envtest::boxesOf({{"fileattach1", "accounts.html"}});
     EXPECT_EQ(attachfiles("", nullptr, boxes, 0, doc.get()), 0);

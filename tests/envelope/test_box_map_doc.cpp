@@ -38,7 +38,7 @@ std::vector<std::string> cells(const std::string& line) {
 // Rows of every table whose header begins Key, Element, Kind.
 std::vector<Row> documentedRows() {
     std::vector<Row> rows;
-    std::istringstream in(envtest::readText(envtest::sourcePath("docs/box-map.md")));
+    std::istringstream in(readFile(envtest::sourcePath("docs/box-map.md")));
     std::string line;
     bool inTable = false;
     int number = 0;
@@ -91,7 +91,7 @@ std::multimap<std::string, std::string> hmrcBoxes() {
         {"[CTI]", "RingFenceTrade"},        {"[CTJ]", "TaxAvoidanceSchemes"},
     };
     std::multimap<std::string, std::string> out;
-    std::istringstream in(envtest::readText(envtest::sourcePath("tests/envelope/hmrc-ct600-box-map.tsv")));
+    std::istringstream in(readFile(envtest::sourcePath("tests/envelope/hmrc-ct600-box-map.tsv")));
     std::string line;
     while (std::getline(in, line)) {
         if (line.empty() || line[0] == '#' || line.rfind("box\t", 0) == 0) continue;

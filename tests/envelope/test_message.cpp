@@ -16,7 +16,6 @@
 namespace {
 
 using envtest::compact;
-using envtest::find;
 
 // The return document below CompanyTaxReturn, element by element in the
 // order of its sequences: a name, then its children in brackets; "*" where an
@@ -208,7 +207,7 @@ protected:
     envtest::EnvGuard templates_{"CT600_TEMPLATE_DIR", envtest::templateFolder()};
 
     static const CXMLVar* returnOf(const CXMLVar* message) {
-        return find(message, "Body/IRenvelope/CompanyTaxReturn");
+        return nodeAt(message, "Body/IRenvelope/CompanyTaxReturn");
     }
 };
 
@@ -273,7 +272,7 @@ TEST_F(Message, EveryElementOfTheModelComesFromSomeBoxAndStandsInItsPlace) {
         {"TaxAvoidanceSchemes", "AvoidanceSchemes"},
     };
     for (const auto& r : rows) {
-        const CXMLVar* group = find(doc, r.group);
+        const CXMLVar* group = nodeAt(doc, r.group);
         ASSERT_NE(group, nullptr) << r.group;
         EXPECT_EQ(group->CountChildren(r.element), 2) << r.group;
     }
@@ -344,7 +343,7 @@ TEST_F(Message, TheFullExampleGivesEveryPageInTheModelsShape) {
         {"TaxAvoidanceSchemes/AvoidanceSchemes/AccountingPeriod", "2017-03-31"},
     };
     for (const Expect& e : expected) {
-        const CXMLVar* node = find(doc, e.path);
+        const CXMLVar* node = nodeAt(doc, e.path);
         ASSERT_NE(node, nullptr) << e.path;
         EXPECT_EQ(node->value, e.value) << e.path;
     }
@@ -352,12 +351,12 @@ TEST_F(Message, TheFullExampleGivesEveryPageInTheModelsShape) {
     // Boxes left empty leave no element: no CT600G tick, no repayment section.
     for (const char* absent : {"ReturnInfoSummary/SupplementaryPages/CT600G", "OverpaymentsAndRepayments",
                                "ReturnInfoSummary/ThisPeriod", "WelshReturn"})
-        EXPECT_EQ(find(doc, absent), nullptr) << absent;
+        EXPECT_EQ(nodeAt(doc, absent), nullptr) << absent;
     // The attachments come last, sorted, and the PDF puts the class in the header.
     EXPECT_EQ(doc->children.back()->name, "AttachedFiles");
-    EXPECT_EQ(compact(find(doc, "AttachedFiles")).substr(0, 50),
+    EXPECT_EQ(compact(nodeAt(doc, "AttachedFiles")).substr(0, 50),
               "AttachedFiles(XBRLsubmission(Computation(Instance(");
-    EXPECT_EQ(compact(find(message.get(), "Header")), "Header(MessageDetails(Class=HMRC-SA-SA100-ATT))");
+    EXPECT_EQ(compact(nodeAt(message.get(), "Header")), "Header(MessageDetails(Class=HMRC-SA-SA100-ATT))");
     EXPECT_EQ(message->children.front()->name, "Header");
 }
 
@@ -408,12 +407,12 @@ TEST_F(Message, ARecalculatedReturnShowsNoUnusedPage) {
         {"TaxReconciliation/TaxOutstandingOrOverpaid/TaxOutstanding", "37130.00"},
     };
     for (const auto& e : expected) {
-        const CXMLVar* node = find(doc, e.path);
+        const CXMLVar* node = nodeAt(doc, e.path);
         ASSERT_NE(node, nullptr) << e.path;
         EXPECT_EQ(node->value, e.value) << e.path;
     }
-    EXPECT_EQ(find(doc, "CompanyTaxCalculation/CorporationTaxChargeable/FinancialYearTwo"), nullptr);
-    EXPECT_EQ(find(doc, "CompanyTaxCalculation/CorporationTaxChargeable/FinancialYearOne")->CountChildren("Details"),
+    EXPECT_EQ(nodeAt(doc, "CompanyTaxCalculation/CorporationTaxChargeable/FinancialYearTwo"), nullptr);
+    EXPECT_EQ(nodeAt(doc, "CompanyTaxCalculation/CorporationTaxChargeable/FinancialYearOne")->CountChildren("Details"),
               1);
 }
 
@@ -437,9 +436,9 @@ TEST_F(Message, AttachmentsDecideTheHeader) {
         ASSERT_NE(message, nullptr) << c.what;
         EXPECT_EQ(message->FindChild("Header") != nullptr, c.header) << c.what;
         if (c.header) {
-            EXPECT_EQ(find(message.get(), "Header/MessageDetails/Class")->value, "HMRC-SA-SA100-ATT");
+            EXPECT_EQ(nodeAt(message.get(), "Header/MessageDetails/Class")->value, "HMRC-SA-SA100-ATT");
         }
-        EXPECT_EQ(find(returnOf(message.get()), "AttachedFiles") != nullptr, c.files) << c.what;
+        EXPECT_EQ(nodeAt(returnOf(message.get()), "AttachedFiles") != nullptr, c.files) << c.what;
     }
 }
 
@@ -454,7 +453,7 @@ TEST_F(Message, TheMessageIsWrittenToTheTemporaryFolder) {
     CXMLVar written;
     ASSERT_TRUE(written.OpenPath(path.c_str()));
     EXPECT_EQ(compact(&written), compact(second.get()));  // overwritten by the later call
-    EXPECT_NE(envtest::readText(path).find("Second Limited"), std::string::npos);
+    EXPECT_NE(readFile(path).find("Second Limited"), std::string::npos);
 }
 
 class TemplateFolders : public ::testing::Test {
@@ -516,12 +515,12 @@ TEST_F(TemplateFolders, ABrokenTemplateStillGivesAMessage) {
     envtest::EnvGuard ct("CT600_TEMPLATE_DIR", (base_ / "ct").string());
     CMapStringToString boxes = envtest::boxesOf({{"Q1", "a"}, {"fileattach1", "x.pdf"}});
     const std::unique_ptr<CXMLVar> broken(quick_govtalk(&boxes, "ctbroken"));
-    EXPECT_EQ(compact(find(broken.get(), "Body/IRenvelope")),
+    EXPECT_EQ(compact(nodeAt(broken.get(), "Body/IRenvelope")),
               "IRenvelope(CompanyTaxReturn(A=a B AttachedFiles(Attachment[Filename=x.pdf][FileFormat=pdf]="
               "JVBERi0xLjQKJe++)))");
     const std::unique_ptr<CXMLVar> empty(quick_govtalk(&boxes, "ctempty"));
     ASSERT_NE(empty, nullptr);
-    EXPECT_EQ(find(empty.get(), "Body/IRenvelope")->children.size(), 1u);
+    EXPECT_EQ(nodeAt(empty.get(), "Body/IRenvelope")->children.size(), 1u);
 }
 
 TEST(MessageDefaults, TheTemplateIsFoundWithoutAnySetting) {

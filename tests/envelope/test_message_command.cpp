@@ -18,11 +18,11 @@ const std::string kTemplates = "CT600_TEMPLATE_DIR=" + envtest::templateFolder()
 TEST(MessageCommand, PrintsTheMessageOfTheFullExample) {
     const Outcome o = RunCli("message " + envtest::sourcePath("examples/full-return.json"), kTemplates);
     ASSERT_EQ(o.status, 0) << o.out;
-    const auto message = envtest::parse(o.out);
+    const auto message = parseXml(o.out);
     EXPECT_EQ(message->name, "GovTalkMessage");
-    EXPECT_EQ(envtest::find(message.get(), "Body/IRenvelope/CompanyTaxReturn/CompanyInformation/CompanyName")->value,
+    EXPECT_EQ(nodeAt(message.get(), "Body/IRenvelope/CompanyTaxReturn/CompanyInformation/CompanyName")->value,
               "Northwind Shipping Limited");
-    EXPECT_NE(envtest::find(message.get(), "Body/IRenvelope/CompanyTaxReturn/TaxAvoidanceSchemes"), nullptr);
+    EXPECT_NE(nodeAt(message.get(), "Body/IRenvelope/CompanyTaxReturn/TaxAvoidanceSchemes"), nullptr);
 }
 
 TEST(MessageCommand, ReadsAReturnXmlToo) {

@@ -10,11 +10,10 @@
 namespace {
 
 using envtest::compact;
-using envtest::parse;
 
 // Populate then RemoveConditionals, as quick_govtalk does.
 std::string fill(const std::string& templ, const CMapStringToString& boxes, const char* prefix = "") {
-    const auto t = parse(templ);
+    const auto t = parseXml(templ);
     const std::unique_ptr<CXMLVar> data(TaxToXML(boxes));
     CXMLVar* out = nullptr;
     CGovTalk filler(out);
@@ -106,7 +105,7 @@ TEST(Populate, ThePrefixGoesInFrontOfEveryKey) {
 }
 
 TEST(Populate, LeavesTheTemplateAndDataAloneAndSharesNoNodes) {
-    auto templ = parse("<R K=\"{Q1}\"><S if=\"filled\"><A>{Q1}</A></S><L repeat=\"rows\"><B>{Q.#}</B></L></R>");
+    auto templ = parseXml("<R K=\"{Q1}\"><S if=\"filled\"><A>{Q1}</A></S><L repeat=\"rows\"><B>{Q.#}</B></L></R>");
     const std::string before = compact(templ.get());
     std::unique_ptr<CXMLVar> data(TaxToXML(envtest::boxesOf({{"Q1", "one"}, {"Q.1", "row"}})));
     const std::string dataBefore = compact(data.get());
@@ -131,7 +130,7 @@ TEST(Populate, NeverReturnsNull) {
     ASSERT_NE(none, nullptr);
     EXPECT_EQ(compact(none.get()), "");
     // Without data every box is empty.
-    auto templ = parse("<R><A>{Q1}</A><B>{Q2 or 'b'}</B></R>");
+    auto templ = parseXml("<R><A>{Q1}</A><B>{Q2 or 'b'}</B></R>");
     std::unique_ptr<CXMLVar> doc(filler.Populate(templ.get(), nullptr, 0, ""));
     filler.RemoveConditionals(doc.get());
     EXPECT_EQ(compact(doc.get()), "R(B=b)");
@@ -142,7 +141,7 @@ TEST(Populate, ADeepTemplateIsCutOffNotCrashedOn) {
     for (int i = 0; i < 5000; ++i) xml += "<D if=\"filled\">";
     xml += "{Q1}";
     for (int i = 0; i < 5000; ++i) xml += "</D>";
-    auto templ = parse(xml);
+    auto templ = parseXml(xml);
     std::unique_ptr<CXMLVar> data(TaxToXML(envtest::boxesOf({{"Q1", "x"}})));
     CXMLVar* seen = nullptr;
     CGovTalk filler(seen);
@@ -172,7 +171,7 @@ TEST(RemoveConditionals, OnlyMarkedEmptyElementsGo) {
     CXMLVar* seen = nullptr;
     CGovTalk filler(seen);
     for (const Case& c : cases) {
-        auto tree = parse(c.tree);
+        auto tree = parseXml(c.tree);
         filler.RemoveConditionals(tree.get());
         EXPECT_EQ(compact(tree.get()), c.expected) << c.what;
     }
@@ -183,7 +182,7 @@ TEST(RemoveConditionals, ManyEmptyRowsAreRemovedInOnePass) {
     std::string xml = "<R><L>";
     for (int i = 0; i < 20000; ++i) xml += i == 12345 ? "<X if=\"filled\">kept</X>" : "<X if=\"filled\"/>";
     xml += "</L></R>";
-    auto tree = parse(xml);
+    auto tree = parseXml(xml);
     CXMLVar* seen = nullptr;
     CGovTalk(seen).RemoveConditionals(tree.get());
     EXPECT_EQ(compact(tree.get()), "R(L(X=kept))");
@@ -198,7 +197,7 @@ TEST(TaxToXML, OneChildPerBoxInKeyOrder) {
 }
 
 TEST(ListBoxMap, ListsEveryPlaceholderWithItsPathAndReportsBadBraces) {
-    auto templ = parse(
+    auto templ = parseXml(
         "<R T=\"{t or 'new'}\"><A if=\"filled\"><B>{Q1:amount}</B><C>{Q2} and {Q3:date}</C></A>"
         "<L repeat=\"rows\" N=\"{QL.#}\"><D>{QD.#:flag}</D></L><E>{oops:nothing}</E><F>plain</F></R>");
     std::vector<CString> problems;

@@ -3,9 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <initializer_list>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,31 +12,25 @@
 #include "common/xmlvar.h"
 #include "platform/message_box.h"
 #include "support/capture.h"
+#include "support/tree.h"
 
 // Value at a path of child names ("FY1/MSCR/m2"), or "<missing>".
 inline std::string valueAt(const CXMLVar& root, const char* path) {
-    const CXMLVar* node = &root;
-    std::stringstream parts(path);
-    std::string name;
-    while (node && std::getline(parts, name, '/')) node = node->FindChild(name.c_str());
+    const CXMLVar* node = nodeAt(&root, path);
     return node ? std::string(node->value.c_str()) : "<missing>";
 }
 
-inline std::string tempFile(const char* name) {
-    std::ifstream in(NativePath(GetTempDir() + "\\" + name).c_str(), std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
+// A file of the temporary folder.
+inline std::string tempFile(const char* name) { return readFile(NativePath(GetTempDir() + "\\" + name).c_str()); }
 
 inline std::string result(const CMapStringToString& map, const char* key) {
     const CString* text = map.PLookup(key);
     return text ? std::string(text->c_str()) : "<unset>";
 }
 
-using Texts = std::initializer_list<std::pair<const char*, const char*>>;
+using Texts = std::vector<std::pair<const char*, const char*>>;
 
 // Each key of a result map against its expected text ("<unset>" for no key).
-inline void expectResults(const CMapStringToString& map, Texts rows, const std::string& why = "") {
+inline void expectResults(const CMapStringToString& map, const Texts& rows, const std::string& why = "") {
     for (const auto& [key, value] : rows) EXPECT_EQ(result(map, key), value) << key << " " << why;
 }

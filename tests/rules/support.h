@@ -10,6 +10,7 @@
 #include "common/xmlvar.h"
 #include "rules/rulecontext.h"
 #include "rules/rules.h"
+#include "support/tree.h"
 
 namespace rulestest {
 
@@ -20,25 +21,6 @@ inline CXMLVar* parse(const char* xml) {
     auto* root = new CXMLVar();
     root->Open(xml);
     return root;
-}
-
-// One step of an edit path: a name with an optional 1-based index, "Details[2]".
-inline std::pair<std::string, int> splitStep(const std::string& step) {
-    const auto open = step.find('[');
-    if (open == std::string::npos || step.back() != ']') return {step, 1};
-    return {step.substr(0, open), std::atoi(step.substr(open + 1).c_str())};
-}
-
-// The n-th child of that name, created (with any missing before it) if asked.
-inline CXMLVar* child(CXMLVar* node, const std::string& step, bool create) {
-    auto [name, index] = splitStep(step);
-    int seen = 0;
-    for (CXMLVar* c : node->children)
-        if (c->name == name.c_str() && ++seen == index) return c;
-    if (!create) return nullptr;
-    CXMLVar* made = nullptr;
-    while (seen++ < index) made = node->AddChild(new CXMLVar(name.c_str()), nullptr);
-    return made;
 }
 
 // Edits on a message. A path is relative to CompanyTaxReturn, or to the
@@ -74,29 +56,26 @@ inline CXMLVar* returnOf(CXMLVar* message) {
 }
 
 inline void apply(CXMLVar* message, const Edit& edit) {
-    std::string path = edit.path;
+    std::string_view path = edit.path;
     CXMLVar* node = returnOf(message);
     if (!path.empty() && path[0] == '/') {
         node = message;
-        path.erase(0, 1);
+        path.remove_prefix(1);
     }
-    std::vector<std::string> steps;
-    for (std::size_t start = 0; start < path.size();) {
-        std::size_t end = path.find('/', start);
-        if (end == std::string::npos) end = path.size();
-        steps.push_back(path.substr(start, end - start));
-        start = end + 1;
+    std::string last;  // an Add's new element
+    if (edit.kind == Edit::Add) {
+        const std::size_t slash = path.rfind('/');
+        last = std::string(slash == std::string_view::npos ? path : path.substr(slash + 1));
+        path = slash == std::string_view::npos ? std::string_view() : path.substr(0, slash);
     }
-    const bool create = edit.kind != Edit::Drop;
-    const std::size_t walk = edit.kind == Edit::Add ? steps.size() - 1 : steps.size();
-    for (std::size_t i = 0; i < walk && node; ++i) node = child(node, steps[i], create);
+    node = nodeAt(node, path, edit.kind != Edit::Drop);
     if (!node) return;
     switch (edit.kind) {
         case Edit::Set:
             node->value = edit.value.c_str();
             break;
         case Edit::Add: {
-            CXMLVar* made = node->AddChild(new CXMLVar(steps.back().c_str(), edit.value.c_str()), nullptr);
+            CXMLVar* made = node->AddChild(new CXMLVar(last.c_str(), edit.value.c_str()), nullptr);
             for (const auto& [name, value] : edit.attrs) made->SetAttr(name.c_str(), value.c_str());
             break;
         }

@@ -4,11 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
 #include <map>
 #include <memory>
 #include <set>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -698,13 +696,8 @@ std::string messageOf(const std::string& code) {
 
 std::unique_ptr<CXMLVar> cleanReturn(const std::string& file) {
     static std::map<std::string, std::string> texts;
-    if (!texts.count(file)) {
-        std::ifstream in(CT600_SOURCE_DIR "/tests/data/" + file, std::ios::binary);
-        std::stringstream text;
-        text << in.rdbuf();
-        texts[file] = text.str();
-    }
-    return std::unique_ptr<CXMLVar>(parse(texts[file].c_str()));
+    if (!texts.count(file)) texts[file] = readFile(CT600_SOURCE_DIR "/tests/data/" + file);
+    return parseXml(texts[file]);
 }
 
 std::vector<std::string> runWith(const Edits& edits, const char* base = kCleanReturn) {

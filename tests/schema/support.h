@@ -12,6 +12,7 @@
 
 #include "common/xmlvar.h"
 #include "schema/schema.h"
+#include "support/tree.h"
 
 namespace schematest {
 
@@ -36,35 +37,8 @@ inline std::unique_ptr<CXMLVar> parse(const std::string& xml) {
     return root;
 }
 
-// One step of a path: a name with an optional 1-based index, "Line[2]".
-inline std::pair<std::string, int> splitStep(const std::string& step) {
-    const auto open = step.find('[');
-    if (open == std::string::npos || step.back() != ']') return {step, 1};
-    return {step.substr(0, open), std::atoi(step.substr(open + 1).c_str())};
-}
-
 // The node at a path of steps separated by "/", or null.
-inline CXMLVar* at(CXMLVar* node, const std::string& path) {
-    std::size_t start = 0;
-    while (node && start <= path.size()) {
-        const std::size_t slash = path.find('/', start);
-        const std::string step = path.substr(start, slash == std::string::npos ? std::string::npos : slash - start);
-        if (!step.empty()) {
-            auto [name, index] = splitStep(step);
-            CXMLVar* found = nullptr;
-            int seen = 0;
-            for (CXMLVar* c : node->children)
-                if (c->name == name.c_str() && ++seen == index) {
-                    found = c;
-                    break;
-                }
-            node = found;
-        }
-        if (slash == std::string::npos) break;
-        start = slash + 1;
-    }
-    return node;
-}
+inline CXMLVar* at(CXMLVar* node, const std::string& path) { return nodeAt(node, path); }
 
 // Edits on a document; every path is from the root.
 struct Edit {
