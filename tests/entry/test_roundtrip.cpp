@@ -147,20 +147,6 @@ TEST_F(RoundTrip, DoCalc2WorksOnTextAndSurvivesBadText) {
     }
 }
 
-TEST_F(RoundTrip, DoCalc2IsStableOnItsOwnOutput) {
-    CMapStringToString map;
-    map["zxml"] =
-        "<Return><Boxes><form>ctv3</form><Q155>185000</Q155><Q160>12500</Q160><Q210>700</Q210>"
-        "<Q1>Name &amp; Co &lt;Ltd&gt;</Q1><Q220>1.5!</Q220></Boxes></Return>";
-    do_calc2(&map, nullptr, &map);
-    const CString once = map["zxml"];
-    do_calc2(&map, nullptr, &map);
-    EXPECT_EQ(map["zxml"], once);
-    CXMLVar back("");
-    back.Open(once);
-    EXPECT_EQ(back.FindChild("Boxes")->FindChild("Q1")->value, "Name & Co <Ltd>");
-}
-
 }  // namespace
 
 namespace {

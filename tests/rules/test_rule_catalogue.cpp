@@ -799,23 +799,6 @@ TEST_F(Catalogue, ShapeOfTheCatalogue) {
     }
 }
 
-// Each unit of the catalogue holds one run of group numbers.
-TEST_F(Catalogue, EachUnitHoldsItsGroups) {
-    const struct {
-        RuleGroups (*unit)();
-        int first, last;
-    } units[] = {
-        {MessageGroups, 1, 20},          {CalculationGroups, 21, 67}, {ReconciliationGroups, 68, 106},
-        {PagesAtoCGroups, 107, 146},     {PagesDtoJGroups, 147, 176}, {AttachedFilesGroups, 177, 186},
-    };
-    for (const auto& u : units) {
-        SCOPED_TRACE(u.first);
-        const RuleGroups groups = u.unit();
-        ASSERT_EQ(groups.size(), static_cast<std::size_t>(u.last - u.first + 1));
-        for (std::size_t i = 0; i < groups.size(); ++i) EXPECT_EQ(groups[i].number, u.first + static_cast<int>(i));
-    }
-}
-
 // The rules marked with a dagger test completion through the logging or: one
 // line each time the test gets that far, and no line when it stops before.
 TEST_F(Catalogue, DaggerRulesLogWhenTheyReachTheirTest) {
