@@ -341,18 +341,23 @@ public:
         const std::vector<std::string>& computed = options_.pages ? written.all : written.main;
         for (int n = pickInt(3, 35); n > 0; --n) {
             // A box the calculator writes is where an override matters.
-            if (chance(35) && !computed.empty())
-                put(pick(computed), chance(50) ? override() : value(), true);
-            else
-                put(pick(form_.inputs), value(), true);
+            const bool onComputed = chance(35) && !computed.empty();
+            const std::string key = onComputed ? pick(computed) : std::string(pick(form_.inputs));
+            put(key, onComputed && chance(50) ? override() : value(), true);
         }
         if (options_.pages)
             for (const Page& page : form_.pages)
                 if (chance(35))
-                    for (int n = pickInt(1, 6); n > 0; --n) put(pageBox(page), value(), true);
+                    for (int n = pickInt(1, 6); n > 0; --n) {
+                        const std::string key = pageBox(page);
+                        put(key, value(), true);
+                    }
         // The first generation's second company, run under "S" by the entry.
         if (made_.generation == Generation::First && chance(50))
-            for (int n = pickInt(1, 8); n > 0; --n) put("S" + std::string(pick(form_.inputs)), value(), false);
+            for (int n = pickInt(1, 8); n > 0; --n) {
+                const std::string key = "S" + std::string(pick(form_.inputs));
+                put(key, value(), false);
+            }
         if (chance(20)) put("fileattach1", pick({"accounts.html", "notice.pdf", "x-ctcomp.html"}), false);
         if (chance(10)) put("fileattach2", pick({"scan.pdf", "more.html"}), false);
         return made_;
@@ -360,7 +365,8 @@ public:
 
 private:
     bool chance(int percent) { return pickInt(0, 99) < percent; }
-    int pickInt(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random_); }
+    // mt19937's numbers are the same everywhere, and so is this use of them.
+    int pickInt(int low, int high) { return low + static_cast<int>(random_() % static_cast<unsigned>(high - low + 1)); }
     template <class T>
     T pick(const std::vector<T>& pool) {
         return pool[static_cast<std::size_t>(pickInt(0, static_cast<int>(pool.size()) - 1))];
@@ -381,7 +387,7 @@ private:
         if (page.rows.empty() || (!page.boxes.empty() && chance(40))) return pick(page.boxes);
         const auto& [format, rows] = pick(page.rows);
         // Mostly the first rows, now and then the last, or one past it.
-        const int row = chance(80) ? pickInt(1, std::min(rows, 3)) : pick(std::vector<int>{rows, rows + 1});
+        const int row = chance(80) ? pickInt(1, std::min(rows, 3)) : rows + pickInt(0, 1);
         return CBaseCalc::BoxKey(format, row).str();
     }
 
@@ -397,8 +403,9 @@ private:
     // longer than a year, backwards, missing, or no date at all.
     void period() {
         using namespace std::chrono;
-        const sys_days start = sys_days{year{pickInt(form_.firstYear, form_.lastYear)} / April / 1} +
-                               days{pick(std::vector<int>{0, 0, 0, 91, 183, 274, pickInt(0, 364)})};
+        const int first = pickInt(form_.firstYear, form_.lastYear), anyDay = pickInt(0, 364);
+        const int offset = pick(std::vector<int>{0, 0, 0, 91, 183, 274, anyDay});
+        const sys_days start = sys_days{year{first} / April / 1} + days{offset};
         int length = 365;
         switch (pickInt(0, 9)) {
             case 0: length = pickInt(1, 364); break;
@@ -422,14 +429,18 @@ private:
 
     std::string override() {
         if (options_.noughtOverrides && chance(40)) return pick({"0.00!", "0!", "-0!"});
-        return std::to_string(pickInt(1, 99999)) + pick({"!", ".50!", ".00!"});
+        const std::string figure = std::to_string(pickInt(1, 99999));
+        return figure + pick({"!", ".50!", ".00!"});
     }
 
     std::string value() {
         const int kind = pickInt(0, 99);
         const auto whole = [this](int low, int high) { return std::to_string(pickInt(low, high)); };
         if (kind < 40) return whole(1, 500000);
-        if (kind < 48) return whole(0, 99999) + "." + whole(10, 99);
+        if (kind < 48) {
+            const std::string pounds = whole(0, 99999);
+            return pounds + "." + whole(10, 99);
+        }
         if (kind < 52) return "-" + whole(1, 50000);
         if (kind < 67) return override();
         if (kind < 72) return "zero";
