@@ -51,7 +51,15 @@ void ansi_duration(const char* text, int& seconds, int& days, int& hours, int& m
                    int& months, int& years, CString& message);
 
 // A text date at 12:00:00 of that day (also an export of the library).
+#if defined(__clang__)
+// The host contract fixes this signature: a C export that returns a CTime.
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wreturn-type-c-linkage"
+#endif
 extern "C" CT600_EXPORT CTime AtoT(const char* date);
+#if defined(__clang__)
+#pragma clang diagnostic pop
+#endif
 
 // ---- folders and files. Each folder comes without a trailing separator and
 // can be set by the host through an environment variable:

@@ -22,7 +22,15 @@ extern "C" CT600_EXPORT void do_calc(CXMLVar* tree);
 extern "C" CT600_EXPORT int do_calc2(CMapStringToString* boxes, CString* prefix, CMapStringToString* result);
 extern "C" CT600_EXPORT int do_validate(CMapStringToString* boxes, CXMLVar* errors);
 extern "C" CT600_EXPORT void LiabilityCalc(CMapStringToString* boxes);
+#if defined(__clang__)
+// The host contract fixes this signature: a C export that returns a CTime.
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wreturn-type-c-linkage"
+#endif
 extern "C" CT600_EXPORT CTime AtoT(const char* date);
+#if defined(__clang__)
+#pragma clang diagnostic pop
+#endif
 
 // Host settings that are not form entries: where messages, errors and log
 // lines go. A null sink restores the default.
