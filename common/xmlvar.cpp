@@ -9,6 +9,7 @@
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "common/library.h"
 
@@ -54,6 +55,26 @@ bool isXmlName(std::string_view name) {
 }
 
 bool needsEscapedName(std::string_view name) { return !isXmlName(name) || name == kEscapedName; }
+
+// Attribute names have no escape, so a name with Latin-1 letters is written
+// as it is (saved text is ISO-8859-1, declared or, for Open, assumed): the
+// letters that the parser takes in a name.
+bool isLatin1Letter(unsigned char c) {
+    return (c >= 0xC0 && c != 0xD7 && c != 0xF7) || c == 0xAA || c == 0xB5 || c == 0xBA;
+}
+
+bool isAttrName(std::string_view name) {
+    if (name.empty()) return false;
+    auto first = static_cast<unsigned char>(name[0]);
+    if (!isAsciiLetter(first) && first != '_' && first != ':' && !isLatin1Letter(first)) return false;
+    for (char ch : name) {
+        auto c = static_cast<unsigned char>(ch);
+        if (!isAsciiLetter(c) && !(c >= '0' && c <= '9') && c != '_' && c != '-' && c != '.' && c != ':' &&
+            !isLatin1Letter(c) && c != 0xB7)
+            return false;
+    }
+    return true;
+}
 
 // Control bytes other than tab, LF and CR cannot appear in XML 1.0 at all,
 // not even as character references, so they are dropped on saving.
@@ -104,7 +125,7 @@ void appendOpenTag(std::string& out, const CXMLVar& node, bool selfClose) {
     for (const auto& [attrName, attrValue] : node.Attributes()) {
         // An attribute XML cannot name is not written; nor one that would
         // clash with the escape's own attribute.
-        if (!isXmlName(attrName.str())) continue;
+        if (!isAttrName(attrName.str())) continue;
         if (escaped && attrName == kEscapedNameAttr) continue;
         appendAttr(out, attrName.str(), attrValue.str());
     }
@@ -283,15 +304,18 @@ void XMLCALL onStart(void* data, const XML_Char* name, const XML_Char** attrs) {
     }
     node->name = toSingleBytes(name ? name : "");
     const bool escaped = node->name == kEscapedName;
+    // Distinct names as the parser saw them can fold into one here ('?').
+    std::vector<std::pair<CString, CString>> attributes;
     for (const XML_Char** a = attrs; a && a[0]; a += 2) {
-        const std::string attrName = toSingleBytes(a[0]);
-        const std::string attrValue = toSingleBytes(a[1] ? a[1] : "");
+        std::string attrName = toSingleBytes(a[0]);
+        std::string attrValue = toSingleBytes(a[1] ? a[1] : "");
         if (escaped && attrName == kEscapedNameAttr) {
-            node->name = attrValue;
+            node->name = std::move(attrValue);
             continue;
         }
-        node->SetAttr(attrName.c_str(), attrValue.c_str());
+        attributes.emplace_back(std::move(attrName), std::move(attrValue));
     }
+    node->SetAttributes(std::move(attributes));
     st->stack.push_back(Frame{node, {}, {}, false});
 }
 
@@ -578,6 +602,31 @@ void CXMLVar::SetAttr(const char* attrName, const char* attrValue) {
         }
     }
     attributes_.emplace_back(CString(attrName), CString(attrValue));
+}
+
+void CXMLVar::SetAttributes(std::vector<std::pair<CString, CString>> attributes) {
+    attributes_.clear();
+    // Reserved up front, so the views that index the names stay valid.
+    attributes_.reserve(attributes.size());
+    constexpr std::size_t kLinearSearch = 16;
+    std::unordered_map<std::string_view, std::size_t> index;
+    for (auto& [attrName, attrValue] : attributes) {
+        std::size_t found = attributes_.size();
+        if (attributes_.size() < kLinearSearch) {
+            for (std::size_t i = 0; i < attributes_.size(); ++i)
+                if (attributes_[i].first == attrName) found = i;
+        } else {
+            if (index.empty())
+                for (std::size_t i = 0; i < attributes_.size(); ++i) index.emplace(attributes_[i].first.view(), i);
+            if (auto it = index.find(attrName.view()); it != index.end()) found = it->second;
+        }
+        if (found < attributes_.size()) {
+            attributes_[found].second = std::move(attrValue);
+            continue;
+        }
+        attributes_.emplace_back(std::move(attrName), std::move(attrValue));
+        if (!index.empty()) index.emplace(attributes_.back().first.view(), attributes_.size() - 1);
+    }
 }
 
 void CXMLVar::SetAttr(const char* attrName, int attrValue) {

@@ -3,6 +3,9 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "common/library.h"
 #include "common/xmlvar.h"
@@ -380,4 +383,183 @@ TEST(XmlTree, VeryDeepTreesNeedNoDeepStack) {
     copy.CloneChildren(root);
     EXPECT_EQ(depthOf(&copy), kDepth + 1);
     delete root;
+}
+
+// ---------------------------------------------------------------- hostile documents
+
+namespace {
+
+std::string utf16(std::u16string_view text, bool bigEndian) {
+    std::string out = bigEndian ? "\xFE\xFF" : "\xFF\xFE";
+    for (char16_t c : text) {
+        const char hi = static_cast<char>(c >> 8), lo = static_cast<char>(c & 0xFF);
+        out += bigEndian ? hi : lo;
+        out += bigEndian ? lo : hi;
+    }
+    return out;
+}
+
+}  // namespace
+
+// Bytes in every encoding a host may hand over, and bytes no encoding allows:
+// a document either reads cleanly, or keeps what was read up to the fault.
+TEST(XmlHostile, EncodingsAndBadBytes) {
+    struct Case {
+        const char* label;
+        std::string text;
+        int ok;
+        const char* name;
+        const char* value;
+    };
+    const std::string utf8 = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
+    const Case cases[] = {
+        {"Latin-1 declared", "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a>\xA3\xE9</a>", 1, "a", "\xA3\xE9"},
+        {"Latin-1 undeclared", "<a>\xA3\xE9</a>", 1, "a", "\xA3\xE9"},
+        {"Latin-1 bytes in UTF-8", utf8 + "<a>ok\xA3 more</a>", 0, "a", "ok"},
+        {"Latin-1 bytes after a BOM", "\xEF\xBB\xBF<a>ok\xA3</a>", 0, "a", "ok"},
+        {"overlong UTF-8", utf8 + "<a>ok\xC0\xAF</a>", 0, "a", "ok"},
+        {"UTF-8 surrogate", utf8 + "<a>ok\xED\xA0\x80</a>", 0, "a", "ok"},
+        {"NUL in content", std::string("<a>x\0y</a>", 10), 0, "a", "x"},
+        {"NUL in a name", std::string("<a\0b/>", 6), 0, "", ""},
+        {"NUL first", std::string("\0<a/>", 5), 0, "", ""},
+        {"UTF-16LE", utf16(u"<a>\u00a3\u20ac</a>", false), 1, "a", "\xA3?"},
+        {"UTF-16BE", utf16(u"<a>\u00a3\u20ac</a>", true), 1, "a", "\xA3?"},
+        {"UTF-16 declared, 8-bit bytes", "<?xml version=\"1.0\" encoding=\"UTF-16\"?><a>x</a>", 0, "", ""},
+        {"reference to NUL", "<a>x&#0;</a>", 0, "a", "x"},
+        {"reference to a control", "<a>x&#x1;</a>", 0, "a", "x"},
+        {"reference beyond Latin-1", "<a>&#x10FFFF;</a>", 1, "a", "?"},
+        {"line ends", "<a>x\r\ny\rz</a>", 1, "a", "x\ny\nz"},
+    };
+    for (const Case& c : cases) {
+        CXMLVar node("Old", "old");
+        EXPECT_EQ(node.Open(CString(c.text)), c.ok) << c.label;
+        EXPECT_EQ(node.name, c.name) << c.label;
+        EXPECT_EQ(node.value, c.value) << c.label;
+        EXPECT_EQ(node.GetChildCount(), 0) << c.label;
+    }
+    CXMLVar node;
+    ASSERT_EQ(node.Open(CString(utf16(u"<a b=\"\u00e9\u0100\"/>", false))), 1);
+    EXPECT_EQ(node.GetAttr("b"), "\xE9?");
+}
+
+// Entities may not blow up memory, and nothing outside the document is read.
+TEST(XmlHostile, EntitiesStayBoundedAndLocal) {
+    constexpr int kLimit = 16 << 20;  // well below what an unchecked expansion would take
+    std::string quadratic = "<!DOCTYPE a [<!ENTITY e \"" + std::string(50000, 'x') + "\">]><a>";
+    for (int i = 0; i < 10000; ++i) quadratic += "&e;";  // 500 MB expanded
+    quadratic += "</a>";
+    std::string parameters = "<!DOCTYPE a [<!ENTITY % p0 \"xxxxxxxxxx\">";
+    for (int i = 1; i < 8; ++i) {
+        parameters += "<!ENTITY % p" + std::to_string(i) + " \"";
+        for (int k = 0; k < 10; ++k) parameters += "%p" + std::to_string(i - 1) + ";";
+        parameters += "\">";
+    }
+    parameters += "<!ENTITY e \"%p7;\">]><a>&e;</a>";
+
+    struct Case {
+        const char* label;
+        std::string text;
+        int ok;
+        const char* value;  // null: only bounded
+    };
+    const Case cases[] = {
+        {"quadratic blow-up", quadratic, 0, nullptr},
+        {"parameter entities", parameters, 0, ""},
+        {"external DTD", "<!DOCTYPE a SYSTEM \"file:///etc/passwd\"><a>x</a>", 1, "x"},
+        {"external parameter entity", "<!DOCTYPE a [<!ENTITY % p SYSTEM \"file:///etc/passwd\"> %p;]><a>x</a>", 1,
+         "x"},
+        {"external entity in text", "<!DOCTYPE a [<!ENTITY e SYSTEM \"file:///etc/passwd\">]><a>x&e;y</a>", 1, "xy"},
+        {"external entity in an attribute", "<!DOCTYPE a [<!ENTITY e SYSTEM \"file:///etc/passwd\">]><a b=\"&e;\"/>",
+         0, ""},
+        {"internal entities", "<!DOCTYPE a [<!ENTITY e \"ee\"><!ENTITY f \"&e;&e;\">]><a>&f;</a>", 1, "eeee"},
+    };
+    for (const Case& c : cases) {
+        CXMLVar node;
+        EXPECT_EQ(node.Open(CString(c.text)), c.ok) << c.label;
+        EXPECT_LT(node.value.GetLength(), kLimit) << c.label;
+        if (c.value) {
+            EXPECT_EQ(node.value, c.value) << c.label;
+        }
+        EXPECT_EQ(node.value.Find("root:"), -1) << c.label;
+    }
+}
+
+// Big documents read whole and round trip: tens of megabytes of text, long
+// names, many attributes, many siblings.
+TEST(XmlHostile, LongValuesNamesAndManyAttributes) {
+    const std::string longValue(32u << 20, 'v');
+    const std::string longName(1u << 20, 'n');
+    CXMLVar root("Root");
+    root.AddChild("Long", longValue.c_str());
+    root.AddChild(longName.c_str(), "named");
+    root.AddChild(("1" + longName).c_str(), "escaped");
+    CXMLVar* wide = root.AddChild("Wide", "");
+    constexpr int kAttributes = 100000;
+    std::vector<std::pair<CString, CString>> attributes;
+    for (int i = 0; i < kAttributes; ++i) attributes.emplace_back("a" + std::to_string(i), std::to_string(i));
+    wide->SetAttributes(attributes);
+    CXMLVar* many = root.AddChild("Many", "");
+    constexpr int kSiblings = 200000;
+    for (int i = 0; i < kSiblings; ++i) many->AddChild("b", "");
+
+    CXMLVar back;
+    ASSERT_EQ(back.Open(saved(root)), 1);
+    EXPECT_EQ(back.FindChild("Long")->value.str(), longValue);
+    EXPECT_EQ(back.FindChild(longName.c_str())->value, "named");
+    EXPECT_EQ(back.FindChild(("1" + longName).c_str())->value, "escaped");
+    const CXMLVar* wideBack = back.FindChild("Wide");
+    ASSERT_EQ(wideBack->Attributes().size(), static_cast<std::size_t>(kAttributes));
+    EXPECT_EQ(wideBack->Attributes().back().first, "a99999");
+    EXPECT_EQ(wideBack->GetAttr("a4242"), "4242");
+    EXPECT_EQ(back.FindChild("Many")->GetChildCount(), kSiblings);
+    EXPECT_EQ(saved(back), saved(root));
+}
+
+// Attributes have no name escape: names with Latin-1 letters go as they are,
+// so whatever the parser accepted comes back.
+TEST(XmlHostile, AttributeNamesInLatin1RoundTrip) {
+    CXMLVar node;
+    ASSERT_EQ(node.Open("<B \xFF=\"1\" \xE9t\xE9=\"2\" \xAA\xB7=\"3\" :c=\"4\"/>"), 1);
+    ASSERT_EQ(node.Attributes().size(), 4u);
+    CXMLVar back;
+    ASSERT_EQ(back.Open(saved(node)), 1);
+    EXPECT_EQ(back.Attributes(), node.Attributes());
+    EXPECT_EQ(back.GetAttr("\xE9t\xE9"), "2");
+    // Names XML cannot carry at all are still left out.
+    node.SetAttr("a b", "x");
+    node.SetAttr("\xD7", "x");
+    EXPECT_EQ(saved(node, 0), "<B \xFF=\"1\" \xE9t\xE9=\"2\" \xAA\xB7=\"3\" :c=\"4\"/>");
+}
+
+TEST(XmlHostile, SetAttributesKeepsFirstPlaceAndLastValue) {
+    for (int count : {3, 40}) {
+        std::vector<std::pair<CString, CString>> attributes;
+        for (int i = 0; i < count; ++i) attributes.emplace_back("a" + std::to_string(i), "v");
+        attributes.emplace_back("a1", "again");
+        attributes.emplace_back("z", "last");
+        CXMLVar node("N");
+        node.SetAttr("old", "gone");
+        node.SetAttributes(attributes);
+        ASSERT_EQ(node.Attributes().size(), static_cast<std::size_t>(count + 1)) << count;
+        EXPECT_EQ(node.Attributes()[1].first, "a1");
+        EXPECT_EQ(node.GetAttr("a1"), "again");
+        EXPECT_EQ(node.Attributes().back().first, "z");
+        EXPECT_TRUE(node.GetAttr("old").IsEmpty());
+    }
+}
+
+// A tree deeper than Open takes saves, and reading it back stops at the
+// bound with a failure, keeping the levels above it.
+TEST(XmlHostile, DeepTreesSaveAndReadBackToTheBound) {
+    constexpr int kDepth = 100000;
+    CXMLVar root("R");
+    CXMLVar* node = &root;
+    for (int i = 0; i < kDepth; ++i) node = node->AddChild("a", "");
+    node->value = "end";
+    CXMLVar back;
+    EXPECT_EQ(back.Open(saved(root)), 0);
+    EXPECT_EQ(depthOf(&back), 10000);
+    CXMLVar again;
+    EXPECT_EQ(again.Open(saved(back)), 1);
+    EXPECT_EQ(depthOf(&again), 10000);
 }
