@@ -411,8 +411,11 @@ void CSchemaPattern::buildDfa() {
     dfaStart_ = intern(key(std::move(seed)));
 
     std::vector<std::uint16_t> table;
+    // Each step costs the size of the state set it reaches, so a pattern
+    // whose sets are huge gives up long before the count of states would.
+    long work = 0;
     for (std::size_t i = 0; i < states.size(); ++i) {
-        if (static_cast<int>(states.size()) > kMaxDfaStates) return;  // simulate instead
+        if (static_cast<int>(states.size()) > kMaxDfaStates || work > kMaxDfaWork) return;  // simulate instead
         for (int c = 0; c < classes_; ++c) {
             const unsigned char b = representative[static_cast<std::size_t>(c)];
             std::vector<int> moved;
@@ -423,10 +426,11 @@ void CSchemaPattern::buildDfa() {
             std::sort(moved.begin(), moved.end());
             moved.erase(std::unique(moved.begin(), moved.end()), moved.end());
             closure(moved, mark);
+            work += static_cast<long>(moved.size()) + 1;
             table.push_back(static_cast<std::uint16_t>(intern(key(std::move(moved)))));
         }
     }
-    if (static_cast<int>(states.size()) > kMaxDfaStates) return;
+    if (static_cast<int>(states.size()) > kMaxDfaStates || work > kMaxDfaWork) return;
 
     next_ = std::move(table);
     accepting_.resize(states.size());

@@ -35,6 +35,7 @@ public:
     static constexpr int kMaxNesting = 64;     // groups inside groups
     static constexpr int kMaxNfaStates = 20000;
     static constexpr int kMaxDfaStates = 2000;
+    static constexpr long kMaxDfaWork = 1L << 18;  // state-set entries visited while building
 
 private:
     struct NfaState {
