@@ -19,9 +19,10 @@ constexpr const char* kAttachmentClass = "HMRC-SA-SA100-ATT";
 // A template is parsed once and kept while its file stays the same (same
 // file, size and modification time): a suite validates return after return
 // against the same few templates. Trees in the cache are only ever read.
+// Null when the path is no regular file.
 std::shared_ptr<CXMLVar> loadTemplate(const CString& path) {
     struct stat info {};
-    if (::stat(path, &info) != 0) return nullptr;
+    if (::stat(NativePath(path), &info) != 0 || !S_ISREG(info.st_mode)) return nullptr;
     struct Entry {
         dev_t device;
         ino_t inode;
@@ -58,7 +59,7 @@ CXMLVar* quick_govtalk(CMapStringToString* boxes, CString form) {
     const CString folder = ctForm ? GetCTdir() : GetQuillonDir();
     const CString path = JoinPath(folder, form, ".xml");
     DoLogF("quick_govtalk() template=%s", path.c_str());
-    const std::shared_ptr<CXMLVar> templ = exists(path) ? loadTemplate(path) : nullptr;
+    const std::shared_ptr<CXMLVar> templ = loadTemplate(path);
     if (!templ) {
         DoLogF("quick_govtalk() %s missing", path.c_str());
         return nullptr;
