@@ -142,16 +142,6 @@ std::string prefixLines(const std::string& prefix, const std::string& text) {
     return out;
 }
 
-// The library opens and closes its log for every line; a worker that runs
-// thousands of returns keeps the same file open instead. Appends of whole
-// lines keep the workers' lines whole in the one log.
-void appendToLog(const char* line, void* context) {
-    auto* log = static_cast<std::FILE*>(context);
-    std::fputs(line ? line : "", log);
-    std::fputc('\n', log);
-    std::fflush(log);
-}
-
 [[noreturn]] void workerMain(int taskFd, int answerFd, const std::string& folder, const std::vector<InputFile>& files,
                              unsigned timeoutSeconds, const std::function<FileResult(const InputFile&)>& task) {
     for (int sig : {SIGPIPE, SIGINT, SIGTERM, SIGALRM}) signal(sig, SIG_DFL);
@@ -163,8 +153,6 @@ void appendToLog(const char* line, void* context) {
     setenv("CT600_TEMP_DIR", folder.c_str(), 1);
     std::string messages;
     ct600lib_set_message_sink(captureMessage, &messages);
-    if (const char* logPath = std::getenv("CT600_LOG_FILE"); logPath && *logPath)
-        if (std::FILE* log = std::fopen(logPath, "a")) ct600lib_set_log_sink(appendToLog, log);
 
     std::uint32_t index = 0;
     while (readAll(taskFd, &index, sizeof index)) {
