@@ -27,6 +27,7 @@
 
 #include "cli.h"
 #include "entry/exports.h"
+#include "output.h"
 
 namespace cli {
 
@@ -144,7 +145,11 @@ std::string prefixLines(const std::string& prefix, const std::string& text) {
 
 [[noreturn]] void workerMain(int taskFd, int answerFd, const std::string& folder, const std::vector<InputFile>& files,
                              unsigned timeoutSeconds, const std::function<FileResult(const InputFile&)>& task) {
-    for (int sig : {SIGPIPE, SIGINT, SIGTERM, SIGALRM}) signal(sig, SIG_DFL);
+    // Stopped by the parent or by its alarm, a worker removes the output it
+    // was writing; its folder is the parent's to remove.
+    signal(SIGPIPE, SIG_DFL);
+    cleanupFolderOnSignal("");
+    installCleanupHandlers(true);
     // Everything a worker says goes through its pipe.
     if (const int null = open("/dev/null", O_WRONLY); null >= 0) {
         dup2(null, STDOUT_FILENO);
@@ -187,7 +192,7 @@ std::string prefixLines(const std::string& prefix, const std::string& text) {
 volatile sig_atomic_t g_interrupted = 0;
 void onInterrupt(int sig) { g_interrupted = sig; }
 
-// Ctrl-C and a termination request end the batch cleanly: workers stopped,
+// Ctrl-C, a hang-up and a termination request end the batch cleanly: workers stopped,
 // temporary folders removed. A worker that dies must not kill the parent
 // through a write to its pipe.
 class ParentSignals {
@@ -196,6 +201,7 @@ public:
         struct sigaction on {};
         on.sa_handler = onInterrupt;
         sigemptyset(&on.sa_mask);
+        sigaction(SIGHUP, &on, &oldHup_);
         sigaction(SIGINT, &on, &oldInt_);
         sigaction(SIGTERM, &on, &oldTerm_);
         struct sigaction ignore {};
@@ -204,6 +210,7 @@ public:
         sigaction(SIGPIPE, &ignore, &oldPipe_);
     }
     ~ParentSignals() {
+        sigaction(SIGHUP, &oldHup_, nullptr);
         sigaction(SIGINT, &oldInt_, nullptr);
         sigaction(SIGTERM, &oldTerm_, nullptr);
         sigaction(SIGPIPE, &oldPipe_, nullptr);
@@ -212,7 +219,7 @@ public:
     ParentSignals& operator=(const ParentSignals&) = delete;
 
 private:
-    struct sigaction oldInt_ {}, oldTerm_ {}, oldPipe_ {};
+    struct sigaction oldHup_ {}, oldInt_ {}, oldTerm_ {}, oldPipe_ {};
 };
 
 struct Worker {
@@ -264,7 +271,7 @@ public:
 
     // Returns the exit status, or 0 with interrupted() set.
     int run() {
-        std::fputs(settings_.header.c_str(), stdout);
+        put(settings_.header);
         const std::size_t wanted = std::min<std::size_t>(static_cast<std::size_t>(std::max(settings_.jobs, 1)), files_.size());
         while (workers_.size() < wanted && spawn()) {
         }
@@ -313,15 +320,19 @@ public:
         }
         emitReady();
         progress_.clear();
-        std::fputs(settings_.footer.c_str(), stdout);
-        std::fflush(stdout);
+        put(settings_.footer);
+        if (!outLost_ && std::fflush(stdout) != 0) {
+            outLost_ = true;
+            outputFailed(errno);
+        }
 
         std::string summary = settings_.verb + " " + plural(files_.size(), "file", "files") + ": " +
                               std::to_string(counts_[0]) + " clean, " + std::to_string(counts_[1]) + " with errors, " +
                               std::to_string(counts_[2]) + " unreadable";
+        if (counts_[4]) summary += ", " + std::to_string(counts_[4]) + " with outputs not written";
         if (counts_[3]) summary += ", " + std::to_string(counts_[3]) + " lost with their worker";
         std::fprintf(stderr, "%s\n", summary.c_str());
-        if (counts_[2] || counts_[3]) return kExitBadInput;
+        if (counts_[2] || counts_[3] || counts_[4] || outLost_) return kExitBadInput;
         return counts_[1] ? kExitErrorsFound : kExitOk;
     }
 
@@ -391,7 +402,9 @@ private:
             if (w.received.size() - at < whole) break;
             const char* body = w.received.data() + at + sizeof a;
             const auto held = std::find(w.inHand.begin(), w.inHand.end(), a.index);
-            if (held != w.inHand.end() && a.status <= static_cast<std::uint32_t>(FileStatus::Unreadable)) {
+            const bool known = a.status <= static_cast<std::uint32_t>(FileStatus::Unwritten) &&
+                               a.status != static_cast<std::uint32_t>(FileStatus::Failed);
+            if (held != w.inHand.end() && known) {
                 w.inHand.erase(held);
                 FileResult r;
                 r.status = static_cast<FileStatus>(a.status);
@@ -453,12 +466,23 @@ private:
                 std::fflush(stdout);
                 std::fputs(r.err.c_str(), stderr);
             }
-            // A reader that has gone (| head) ends the batch as it would end a filter.
-            if (!r.out.empty() && std::fwrite(r.out.data(), 1, r.out.size(), stdout) < r.out.size() && errno == EPIPE)
-                g_interrupted = SIGPIPE;
+            put(r.out);
             r = FileResult{};
             ++nextOut_;
         }
+    }
+
+    // Standard output, checked. A reader that has gone (| head) ends the batch
+    // as it would end a filter; any other failure is reported at the end.
+    void put(const std::string& text) {
+        if (text.empty() || outLost_) return;
+        if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size()) return;
+        if (errno == EPIPE) {
+            g_interrupted = SIGPIPE;
+            return;
+        }
+        outLost_ = true;
+        outputFailed(errno);
     }
 
     void stopAll() {
@@ -481,7 +505,8 @@ private:
     std::vector<FileResult> results_;
     std::vector<char> ready_;
     std::size_t nextOut_ = 0, done_ = 0;
-    std::size_t counts_[4] = {0, 0, 0, 0};
+    std::size_t counts_[5] = {0, 0, 0, 0, 0};
+    bool outLost_ = false;
     int nextId_ = 0;
     std::string startError_;
     Progress progress_;

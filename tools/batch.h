@@ -8,7 +8,8 @@
 
 namespace cli {
 
-enum class FileStatus : int { Clean = 0, Errors = 1, Unreadable = 2, Failed = 3 };
+// Failed: lost with its worker. Unwritten: an output of the file could not be written.
+enum class FileStatus : int { Clean = 0, Errors = 1, Unreadable = 2, Failed = 3, Unwritten = 4 };
 
 struct FileResult {
     FileStatus status = FileStatus::Clean;
@@ -48,7 +49,7 @@ struct BatchSettings {
 // error is a terminal, then the summary. The task runs in a worker: it may
 // call the library, and its temporary folder is the worker's own. Returns
 // the exit status: 0 every file clean, 1 errors found in any, 2 any file
-// unreadable or lost with its worker.
+// unreadable, not written or lost with its worker, or standard output lost.
 int runBatch(const std::vector<InputFile>& files, const BatchSettings& settings,
              const std::function<FileResult(const InputFile&)>& task);
 

@@ -54,13 +54,24 @@ struct CalcOptions {
 // whole (do_calc) and rebuilt; anything else runs a form entry over its box map.
 struct CalcRun {
     bool wholeReturn = false;
-    bool thirdGeneration = false;  // the boxes are those of the current form
+    int generation = 3;            // of the form: 3 the current one, 2 and 1 the earlier
     CMapStringToString boxes;      // after the run
     std::vector<ErrorLine> errors;
     std::string validation;        // the calculator's error document
     CString rebuilt;               // whole-return runs: the rebuilt return
 };
 CalcRun runCalc(const std::string& path, const CalcOptions& options);
+
+// Where each generation of the form keeps the figures a summary shows.
+struct GenerationBoxes {
+    const char* years[2][4];     // per financial year: the year, profit, rate, tax
+    const char* chargeableName;  // "corporation tax chargeable"
+    const char* chargeable;      // its box
+    const char* payable;         // the tax payable
+    const char* from;            // the period
+    const char* to;
+};
+const GenerationBoxes& generationBoxes(int generation);
 
 // The text 'ct600 calc' prints for a box map: tax chargeable, boxes, errors.
 std::string calcText(const CalcRun& run, bool all);
@@ -69,8 +80,10 @@ std::string calcJson(const CalcRun& run, bool oneLine, const std::string& file =
 // "tax chargeable 36199.21, tax payable 36199.21": a run in one line.
 std::string calcSummary(const CalcRun& run);
 
-// Copies calc.htm and ctcharge.xml from the temporary folder to folder.
-void copyReport(const std::string& folder);
+// Copies the worked report (calc.htm, and ctcharge.xml where the run wrote
+// one) from the run's temporary folder to folder, each written safely and
+// none over one of the inputs.
+void copyReport(const std::string& from, const std::string& folder, const std::vector<std::string>& inputs);
 // Takes the report files of an earlier run out of the temporary folder, so
 // that a run that writes none is not shown another return's.
 void removeStaleReport();
@@ -112,8 +125,11 @@ private:
 
 // ---- text
 
-// Text of the host's single-byte code page, or UTF-8 already, as UTF-8.
+// The library's ISO-8859-1 text as UTF-8.
 std::string toUtf8(const std::string& text);
+// UTF-8 as ISO-8859-1. A character it cannot hold ends the text there and is
+// described in bad ("'ł' (U+0142)"); bad is empty when all went over.
+std::string toLatin1(const std::string& utf8, std::string* bad);
 // HTML and XML text: & < > " ' as character references.
 std::string escapeMarkup(const std::string& text);
 

@@ -1,5 +1,11 @@
 // Reading returns, running the calculators and the validation, and the texts
 // the commands print.
+#include <expat.h>
+#include <fcntl.h>
+#include <iconv.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
@@ -14,6 +20,7 @@
 #include <string_view>
 
 #include "cli.h"
+#include "output.h"
 #include "common/errors.h"
 #include "common/library.h"
 #include "entry/exports.h"
@@ -39,22 +46,65 @@ void appendf(std::string& out, const char* format, ...) {
     va_end(again);
 }
 
+// "line 3, column 7" of the byte at offset (0-based) in text.
+std::string lineAndColumn(const std::string& text, std::size_t offset) {
+    offset = std::min(offset, text.size());
+    std::size_t line = 1, column = 1;
+    for (std::size_t i = 0; i < offset; ++i) {
+        if (text[i] == '\n') {
+            ++line;
+            column = 1;
+        } else if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) {
+            ++column;
+        }
+    }
+    return "line " + std::to_string(line) + ", column " + std::to_string(column);
+}
+
+// The parser's complaint in the user's words.
+std::string jsonProblem(const std::string& text, const nlohmann::json::parse_error& e) {
+    const std::string what = e.what();
+    const std::size_t at = e.byte > 0 ? e.byte - 1 : 0;
+    if (what.find("UTF-8") != std::string::npos) return lineAndColumn(text, at) + ": the text is not UTF-8 (save the file as UTF-8)";
+    if (what.find("control character") != std::string::npos)
+        return lineAndColumn(text, at) + ": a control character inside quotes (write it as \\n, \\t or \\u00XX)";
+    if (at >= text.size() || what.find("end of input") != std::string::npos)
+        return lineAndColumn(text, text.size()) + ": the text ends before the box map does";
+    const unsigned char c = static_cast<unsigned char>(text[at]);
+    char shown[24];
+    if (c >= 0x20 && c < 0x7F) std::snprintf(shown, sizeof shown, "'%c'", c);
+    else std::snprintf(shown, sizeof shown, "byte 0x%02X", c);
+    return lineAndColumn(text, at) + ": unexpected " + shown;
+}
+
 CMapStringToString boxesFromJson(const std::string& text, const std::string& path) {
     nlohmann::json doc;
     try {
         doc = nlohmann::json::parse(text);
     } catch (const nlohmann::json::parse_error& e) {
-        throw InputError{path + ": not a valid JSON box map (" + e.what() + ")"};
+        throw InputError{path + ": not a valid JSON box map: " + jsonProblem(text, e)};
+    } catch (const nlohmann::json::out_of_range&) {
+        throw InputError{path + ": a number is too large to hold (beyond 1.8e308); give it as text in quotes"};
+    } catch (const nlohmann::json::exception&) {
+        throw InputError{path + ": not a valid JSON box map"};
     }
     if (!doc.is_object()) throw InputError{path + ": a box map must be a JSON object of box key to text"};
     CMapStringToString boxes;
     for (const auto& [key, value] : doc.items()) {
-        if (value.is_string())
-            boxes[key.c_str()] = value.get<std::string>().c_str();
-        else if (value.is_number())
-            boxes[key.c_str()] = value.dump().c_str();
-        else
-            throw InputError{path + ": box " + key + " must hold text or a number"};
+        std::string text;
+        if (value.is_string()) text = value.get<std::string>();
+        else if (value.is_number()) text = value.dump();
+        else throw InputError{path + ": box " + key + " must hold text or a number"};
+        if (key.find('\0') != std::string::npos || text.find('\0') != std::string::npos)
+            throw InputError{path + ": box " + key + " holds a NUL character (\\u0000), which a return cannot carry"};
+        std::string bad;
+        std::string latinKey = toLatin1(key, &bad);
+        if (!bad.empty()) throw InputError{path + ": the box key " + key + " has the character " + bad + ", which ISO-8859-1 cannot hold"};
+        std::string latinText = toLatin1(text, &bad);
+        if (!bad.empty())
+            throw InputError{path + ": box " + key + " has the character " + bad +
+                             ", which ISO-8859-1 (the text encoding of a return) cannot hold"};
+        boxes[latinKey.c_str()] = CString(std::move(latinText));
     }
     return boxes;
 }
@@ -70,30 +120,108 @@ CMapStringToString boxesFromTree(CXMLVar& tree) {
     return boxes;
 }
 
+// Why the tree did not open: line, column and what is wrong, from a second
+// reading of the text.
+constexpr int kMaxXmlDepth = 10000;  // the tree's own limit
+
+struct XmlDiagnosis {
+    XML_Parser parser;
+    int depth = 0;
+    bool tooDeep = false;
+};
+
+void XMLCALL diagnoseStart(void* data, const XML_Char*, const XML_Char**) {
+    auto* d = static_cast<XmlDiagnosis*>(data);
+    if (++d->depth > kMaxXmlDepth && !d->tooDeep) {
+        d->tooDeep = true;
+        XML_StopParser(d->parser, XML_FALSE);
+    }
+}
+void XMLCALL diagnoseEnd(void* data, const XML_Char*) { --static_cast<XmlDiagnosis*>(data)->depth; }
+
+std::string xmlProblem(const std::string& text) {
+    // Read as the tree reads it: ISO-8859-1 unless the text names its encoding.
+    const bool named = text.compare(0, 5, "<?xml") == 0 && text.substr(0, text.find("?>")).find("encoding") != std::string::npos;
+    const bool marked = text.compare(0, 3, "\xEF\xBB\xBF") == 0 || text.compare(0, 2, "\xFF\xFE") == 0 ||
+                        text.compare(0, 2, "\xFE\xFF") == 0;
+    XmlDiagnosis d{XML_ParserCreate(named || marked ? nullptr : "ISO-8859-1")};
+    if (!d.parser) return "not readable as XML";
+    XML_SetUserData(d.parser, &d);
+    XML_SetElementHandler(d.parser, diagnoseStart, diagnoseEnd);
+    const bool ok = XML_Parse(d.parser, text.data(), static_cast<int>(text.size()), 1) == XML_STATUS_OK;
+    const std::string where = "line " + std::to_string(XML_GetCurrentLineNumber(d.parser)) + ", column " +
+                              std::to_string(XML_GetCurrentColumnNumber(d.parser) + 1);
+    std::string why;
+    if (d.tooDeep) {
+        why = "elements nested deeper than " + std::to_string(kMaxXmlDepth) + " levels (" + where + ")";
+    } else if (!ok) {
+        const XML_Error code = XML_GetErrorCode(d.parser);
+        switch (code) {
+            case XML_ERROR_NO_ELEMENTS: why = "the text ends before the document does"; break;
+            case XML_ERROR_INVALID_TOKEN: why = "a character that XML does not allow here"; break;
+            case XML_ERROR_SYNTAX: why = "markup that is not XML"; break;
+            case XML_ERROR_TAG_MISMATCH: why = "a closing tag that does not match the open element"; break;
+            case XML_ERROR_UNCLOSED_TOKEN: why = "the text ends inside a tag"; break;
+            case XML_ERROR_JUNK_AFTER_DOC_ELEMENT: why = "text after the end of the document"; break;
+            case XML_ERROR_UNDEFINED_ENTITY: why = "an unknown entity (an & not written as &amp;?)"; break;
+            default: why = XML_ErrorString(code); break;
+        }
+        why = "not well-formed XML: " + where + ": " + why;
+    } else {
+        why = "not readable as a return";  // the tree refused what expat took
+    }
+    XML_ParserFree(d.parser);
+    return why;
+}
+
+void openReturn(CXMLVar& tree, const std::string& text, const std::string& path) {
+    if (!tree.Open(CString(text))) throw InputError{path + ": " + xmlProblem(text)};
+    if (!tree.FindChild("Boxes")) throw InputError{path + ": the return has no Boxes node"};
+}
+
 CMapStringToString boxesFromXml(const std::string& text, const std::string& path) {
     CXMLVar tree("");
-    if (!tree.Open(CString(text))) throw InputError{path + ": not well-formed XML"};
-    if (!tree.FindChild("Boxes")) throw InputError{path + ": the return has no Boxes node"};
+    openReturn(tree, text, path);
     return boxesFromTree(tree);
 }
 
-bool isThirdGenerationEntry(const std::string& name) {
+// 3 for the current form, 2 and 1 for the earlier ones, from the entry's calculator.
+int generationOfEntry(const std::string& name) {
     int count = 0;
     const FormEntryInfo* entries = FormEntries(&count);
-    for (int i = 0; i < count; ++i)
-        if (name == entries[i].name) return std::string_view(entries[i].calculator) == "CCT600_16Calc";
-    return false;
+    for (int i = 0; i < count; ++i) {
+        if (name != entries[i].name) continue;
+        const std::string_view calculator = entries[i].calculator;
+        return calculator == "CCT600_16Calc" ? 3 : calculator == "CCT600_02Calc" ? 1 : 2;
+    }
+    return 3;
 }
 
 }  // namespace
 
 std::string readFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) throw InputError{"cannot read " + path};
-    std::ostringstream text;
-    text << in.rdbuf();
-    if (in.bad()) throw InputError{"cannot read " + path};
-    return text.str();
+    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) throw InputError{"cannot read " + path + ": " + reason(errno)};
+    struct stat st {};
+    if (fstat(fd, &st) == 0 && S_ISDIR(st.st_mode)) {
+        close(fd);
+        throw InputError{"cannot read " + path + ": it is a folder, not a return"};
+    }
+    std::string text;
+    char buffer[65536];
+    for (;;) {
+        const ssize_t n = read(fd, buffer, sizeof buffer);
+        if (n < 0 && errno == EINTR) continue;
+        if (n < 0) {
+            const int error = errno;
+            close(fd);
+            throw InputError{"cannot read " + path + ": " + reason(error)};
+        }
+        if (n == 0) break;
+        text.append(buffer, static_cast<std::size_t>(n));
+    }
+    close(fd);
+    return text;
 }
 
 bool isXmlText(const std::string& text) {
@@ -168,13 +296,12 @@ CalcRun runCalc(const std::string& path, const CalcOptions& options) {
     if (isXmlText(text) && options.entryName.empty()) {
         // A return tree is recalculated in place; the calculator is its own choice.
         CXMLVar tree("");
-        if (!tree.Open(CString(text))) throw InputError{path + ": not well-formed XML"};
-        if (!tree.FindChild("Boxes")) throw InputError{path + ": the return has no Boxes node"};
+        openReturn(tree, text, path);
         do_calc(&tree);
         tree.Save(run.rebuilt, 1);
         run.wholeReturn = true;
         run.boxes = boxesFromTree(tree);
-        run.thirdGeneration = ToLower(CString(boxText(run.boxes, "form")).Left(4)) == "ctv3";
+        run.generation = ToLower(CString(boxText(run.boxes, "form")).Left(4)) == "ctv3" ? 3 : 2;
         if (const CXMLVar* errors = tree.FindChild(kCalcErrorsRoot)) {
             CString document;
             errors->Save(document, 1);
@@ -185,7 +312,7 @@ CalcRun runCalc(const std::string& path, const CalcOptions& options) {
     }
 
     run.boxes = boxesFromText(text, path);
-    run.thirdGeneration = isThirdGenerationEntry(entryName);
+    run.generation = generationOfEntry(entryName);
     CMapStringToString result;
     CString prefix;
     entry(&run.boxes, &prefix, &result);
@@ -194,24 +321,32 @@ CalcRun runCalc(const std::string& path, const CalcOptions& options) {
     return run;
 }
 
+const GenerationBoxes& generationBoxes(int generation) {
+    static const GenerationBoxes kThird{{{"Q330", "Q335", "Q340", "Q345"}, {"Q380", "Q385", "Q390", "Q395"}},
+                                        "corporation tax chargeable", "Q70", "Q525", "from", "to"};
+    static const GenerationBoxes kSecond{{{"Q43", "Q44", "Q45", "Q46"}, {"Q53", "Q54", "Q55", "Q56"}},
+                                         "corporation tax chargeable", "Q70", "Q86", "from", "to"};
+    static const GenerationBoxes kFirst{{{"Q39", "Q40", "Q41", "Q42"}, {"Q49", "Q50", "Q51", "Q52"}},
+                                        "tax chargeable", "Q68", "Q72", "From", "To"};
+    return generation == 1 ? kFirst : generation == 2 ? kSecond : kThird;
+}
+
 std::string calcText(const CalcRun& run, bool all) {
     const CMapStringToString& boxes = run.boxes;
     auto box = [&boxes](const char* key) { return boxText(boxes, key); };
+    const GenerationBoxes& g = generationBoxes(run.generation);
     std::string out = "Tax chargeable:\n";
-    const struct {
-        const char *year, *profit, *rate, *tax;
-    } rows[] = {{"Q330", "Q335", "Q340", "Q345"}, {"Q380", "Q385", "Q390", "Q395"}};
     bool any = false;
-    for (const auto& row : rows) {
-        if (isBlankOnForm(CString(box(row.year)))) continue;
+    for (const auto& row : g.years) {
+        if (isBlankOnForm(CString(box(row[0])))) continue;
         any = true;
-        appendf(out, "  financial year %s: %s at %s%% = %s\n", box(row.year).c_str(),
-                fmt2(myatof(box(row.profit).c_str())).c_str(), box(row.rate).c_str(),
-                fmt2(myatof(box(row.tax).c_str())).c_str());
+        appendf(out, "  financial year %s: %s at %s%% = %s\n", box(row[0]).c_str(),
+                fmt2(myatof(box(row[1]).c_str())).c_str(), box(row[2]).c_str(),
+                fmt2(myatof(box(row[3]).c_str())).c_str());
     }
     if (!any) out += "  no financial year (dates or profit missing)\n";
-    appendf(out, "  corporation tax chargeable (Q70): %s\n", fmt2(myatof(box("Q70").c_str())).c_str());
-    appendf(out, "  tax payable (Q525): %s\n", fmt2(myatof(box("Q525").c_str())).c_str());
+    appendf(out, "  %s (%s): %s\n", g.chargeableName, g.chargeable, fmt2(myatof(box(g.chargeable).c_str())).c_str());
+    appendf(out, "  tax payable (%s): %s\n", g.payable, fmt2(myatof(box(g.payable).c_str())).c_str());
 
     std::vector<std::pair<std::string, std::string>> shown;
     for (const auto& [key, value] : boxes.items()) {
@@ -227,35 +362,41 @@ std::string calcText(const CalcRun& run, bool all) {
     out += "Errors:\n";
     if (run.errors.empty()) out += "  none\n";
     for (const auto& e : run.errors) appendf(out, "  %s: %s\n", e.field.c_str(), e.text.c_str());
-    return out;
+    return toUtf8(out);
 }
 
 std::string calcJson(const CalcRun& run, bool oneLine, const std::string& file) {
     nlohmann::ordered_json out;
     if (!file.empty()) out["file"] = file;
     out["boxes"] = nlohmann::ordered_json::object();
-    for (const auto& [key, value] : run.boxes.items()) out["boxes"][key.str()] = value.str();
+    for (const auto& [key, value] : run.boxes.items()) out["boxes"][toUtf8(key.str())] = toUtf8(value.str());
     out["errors"] = nlohmann::ordered_json::array();
-    for (const auto& e : run.errors) out["errors"].push_back({{"field", e.field}, {"text", e.text}});
-    out["validation"] = run.validation;
+    for (const auto& e : run.errors) out["errors"].push_back({{"field", toUtf8(e.field)}, {"text", toUtf8(e.text)}});
+    out["validation"] = toUtf8(run.validation);
+    // Only a file name can hold bytes that are not UTF-8.
     return out.dump(oneLine ? -1 : 2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
 }
 
 std::string calcSummary(const CalcRun& run) {
-    return "tax chargeable " + fmt2(myatof(boxText(run.boxes, "Q70").c_str())).str() + ", tax payable " +
-           fmt2(myatof(boxText(run.boxes, "Q525").c_str())).str();
+    const GenerationBoxes& g = generationBoxes(run.generation);
+    return "tax chargeable " + fmt2(myatof(boxText(run.boxes, g.chargeable).c_str())).str() + ", tax payable " +
+           fmt2(myatof(boxText(run.boxes, g.payable).c_str())).str();
 }
 
-void copyReport(const std::string& folder) {
+void copyReport(const std::string& from, const std::string& folder, const std::vector<std::string>& inputs) {
     namespace fs = std::filesystem;
     std::error_code failed;
     fs::create_directories(folder, failed);
-    if (failed) throw InputError{"cannot create " + folder + ": " + failed.message()};
+    if (failed) throw InputError{"cannot create the folder " + folder + ": " + reason(failed.value())};
+    // The first generation writes calc.htm only.
+    if (!fs::exists(fs::path(from) / "calc.htm"))
+        throw InputError{"the run left no worked report to copy to " + folder + " (the return needs its dates and a profit)"};
     for (const char* name : {"calc.htm", "ctcharge.xml"}) {
-        const fs::path from = fs::path(GetTempDir().str()) / name;
-        if (!fs::exists(from)) throw InputError{std::string("the run wrote no ") + name + " (no dates or profit?)"};
-        fs::copy_file(from, fs::path(folder) / name, fs::copy_options::overwrite_existing, failed);
-        if (failed) throw InputError{"cannot copy " + std::string(name) + " to " + folder + ": " + failed.message()};
+        const fs::path source = fs::path(from) / name;
+        if (!fs::exists(source)) continue;
+        const std::string target = (fs::path(folder) / name).string();
+        checkNotAnInput(target, inputs);
+        writeFileSafely(target, readFile(source.string()));
     }
 }
 
@@ -269,7 +410,8 @@ void removeStaleReport() {
 
 void requireTemplate() {
     if (!exists(NativePath(JoinPath(GetCTdir(), "ctv3_16", ".xml"))))
-        throw InputError{"the message template ctv3_16.xml is missing from " + GetCTdir().str()};
+        throw InputError{"the message template ctv3_16.xml is missing from " + GetCTdir().str() +
+                         " (set CT600_TEMPLATE_DIR to the folder that holds the templates)"};
 }
 
 ValidateRun runValidate(const std::string& path, bool xml, const std::string& fileAttribute) {
@@ -286,7 +428,7 @@ ValidateRun runValidate(const std::string& path, bool xml, const std::string& fi
     } else {
         for (const CXMLVar* error : errors.children) {
             const CXMLVar* text = error->FindChild("Text");
-            run.text += (text ? text->value.str() : error->value.str()) + "\n";
+            run.text += toUtf8(text ? text->value.str() : error->value.str()) + "\n";
         }
     }
     return run;
@@ -302,10 +444,13 @@ PrivateTempDir::PrivateTempDir(const char* stem) {
     }
     std::string pattern = base + "/" + stem + "-XXXXXX";
     if (!mkdtemp(pattern.data())) {
+        const int error = errno;
         if (setLog_) unsetenv("CT600_LOG_FILE");
-        throw InputError{"cannot make a folder in " + base + ": " + std::strerror(errno)};
+        throw InputError{"the temporary folder " + base + " cannot be used: " + reason(error) +
+                         " (set CT600_TEMP_DIR to a folder of your own)"};
     }
     path_ = pattern;
+    cleanupFolderOnSignal(path_);
     if (const char* temp = std::getenv("CT600_TEMP_DIR")) {
         hadTemp_ = true;
         savedTemp_ = temp;
@@ -317,6 +462,7 @@ PrivateTempDir::~PrivateTempDir() {
     if (hadTemp_) setenv("CT600_TEMP_DIR", savedTemp_.c_str(), 1);
     else unsetenv("CT600_TEMP_DIR");
     if (setLog_) unsetenv("CT600_LOG_FILE");
+    cleanupFolderOnSignal("");
     std::error_code ignored;
     std::filesystem::remove_all(path_, ignored);
 }
@@ -325,47 +471,53 @@ PrivateTempDir::~PrivateTempDir() {
 
 namespace {
 
-bool isUtf8(std::string_view s) {
-    std::size_t i = 0;
-    while (i < s.size()) {
-        const auto c = static_cast<unsigned char>(s[i]);
-        std::size_t len = c < 0x80 ? 1 : (c >> 5) == 0x6 ? 2 : (c >> 4) == 0xE ? 3 : (c >> 3) == 0x1E ? 4 : 0;
-        if (len == 0 || i + len > s.size() || (len == 2 && c < 0xC2) || c > 0xF4) return false;
-        for (std::size_t k = 1; k < len; ++k)
-            if ((static_cast<unsigned char>(s[i + k]) & 0xC0) != 0x80) return false;
-        i += len;
+// One conversion through iconv. On a character the target cannot hold, stops
+// and gives its offset in bad; the text converted so far is returned.
+std::string convert(const char* to, const char* from, const std::string& text, std::size_t* bad) {
+    iconv_t cd = iconv_open(to, from);
+    if (cd == reinterpret_cast<iconv_t>(-1)) throw InputError{std::string("no conversion from ") + from + " to " + to};
+    std::string out(text.size() * 2 + 4, '\0');
+    char* in = const_cast<char*>(text.data());
+    std::size_t inLeft = text.size();
+    char* put = out.data();
+    std::size_t outLeft = out.size();
+    while (inLeft > 0) {
+        if (iconv(cd, &in, &inLeft, &put, &outLeft) != static_cast<std::size_t>(-1)) break;
+        if (errno == E2BIG) {
+            const std::size_t used = static_cast<std::size_t>(put - out.data());
+            out.resize(out.size() * 2);
+            put = out.data() + used;
+            outLeft = out.size() - used;
+            continue;
+        }
+        if (bad) *bad = text.size() - inLeft;
+        break;
     }
-    return true;
+    iconv_close(cd);
+    out.resize(static_cast<std::size_t>(put - out.data()));
+    return out;
 }
-
-void appendCodePoint(std::string& out, unsigned cp) {
-    if (cp < 0x80) {
-        out += static_cast<char>(cp);
-    } else if (cp < 0x800) {
-        out += static_cast<char>(0xC0 | (cp >> 6));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    } else {
-        out += static_cast<char>(0xE0 | (cp >> 12));
-        out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    }
-}
-
-// Windows-1252 between 0x80 and 0x9F; the five gaps become U+FFFD.
-constexpr unsigned short kCp1252High[32] = {
-    0x20AC, 0xFFFD, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0xFFFD, 0x017D, 0xFFFD, 0xFFFD, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0xFFFD, 0x017E, 0x0178};
 
 }  // namespace
 
-std::string toUtf8(const std::string& text) {
-    if (isUtf8(text)) return text;
-    std::string out;
-    out.reserve(text.size() + text.size() / 4);
-    for (const char ch : text) {
-        const auto c = static_cast<unsigned char>(ch);
-        appendCodePoint(out, c >= 0x80 && c < 0xA0 ? kCp1252High[c - 0x80] : c);
+std::string toUtf8(const std::string& text) { return convert("UTF-8", "ISO-8859-1", text, nullptr); }
+
+std::string toLatin1(const std::string& utf8, std::string* bad) {
+    std::size_t at = std::string::npos;
+    std::string out = convert("ISO-8859-1", "UTF-8", utf8, &at);
+    if (bad) bad->clear();
+    if (at == std::string::npos) return out;
+    if (bad) {
+        // The character itself and its code point: 'ł' (U+0142).
+        std::size_t end = at + 1;
+        while (end < utf8.size() && (static_cast<unsigned char>(utf8[end]) & 0xC0) == 0x80) ++end;
+        const std::string ch = utf8.substr(at, end - at);
+        const std::string wide = convert("UTF-32BE", "UTF-8", ch, nullptr);
+        unsigned code = 0;
+        for (const char c : wide.substr(0, 4)) code = code << 8 | static_cast<unsigned char>(c);
+        char hex[16];
+        std::snprintf(hex, sizeof hex, "U+%04X", code);
+        *bad = "'" + ch + "' (" + hex + ")";
     }
     return out;
 }

@@ -2,10 +2,12 @@
 // return XML, and prints the recalculated boxes and the calculator's errors;
 // validates returns; writes the worked report as a page. calc and validate
 // take many returns at once and share them out among worker processes.
+#include <signal.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -17,6 +19,7 @@
 #include "common/library.h"
 #include "entry/exports.h"
 #include "envelope/envelope.h"
+#include "output.h"
 #include "report.h"
 
 using namespace cli;
@@ -184,25 +187,22 @@ const char* const kEntriesHelp =
     "exit status: 0.\n";
 
 int showHelp(const char* format) {
-    std::printf(format, kBatchOptions, kBatchNotes);
+    const int size = std::snprintf(nullptr, 0, format, kBatchOptions, kBatchNotes);
+    std::string text(static_cast<std::size_t>(size) + 1, '\0');
+    std::snprintf(text.data(), text.size(), format, kBatchOptions, kBatchNotes);
+    text.resize(static_cast<std::size_t>(size));
+    printOut(text);
     return kExitOk;
 }
 
 // ---------------------------------------------------------------- options
 
-struct Args {
-    explicit Args(const std::vector<std::string>& args) : args_(args) {}
-    bool next() { return ++at_ < args_.size(); }
-    const std::string& current() const { return args_[at_]; }
-    std::string value() {
-        const std::string option = args_[at_];
-        if (at_ + 1 >= args_.size()) throw InputError{option + " needs a value"};
-        return args_[++at_];
-    }
-
-private:
-    const std::vector<std::string>& args_;
-    std::size_t at_ = static_cast<std::size_t>(-1);
+// One option of a command: its name, whether it takes a value ("-o OUT" or
+// "--report=DIR"), and what it sets.
+struct Option {
+    const char* name;
+    bool takesValue;
+    std::function<void(const std::string&)> set;
 };
 
 int numberOption(const std::string& option, const std::string& text, int low, int high) {
@@ -213,20 +213,17 @@ int numberOption(const std::string& option, const std::string& text, int low, in
     return static_cast<int>(n);
 }
 
+bool isOption(const std::string& arg) { return arg.size() > 1 && arg[0] == '-'; }
+
+// The options batches add to a command.
 struct BatchOptions {
     int jobs = 0;
     unsigned timeout = 0;
-    // True when args[at] was one of them.
-    bool take(Args& args) {
-        const std::string& a = args.current();
-        if (a == "--jobs" || a == "-j") jobs = numberOption("--jobs", args.value(), 1, 1024);
-        else if (a.rfind("--jobs=", 0) == 0) jobs = numberOption("--jobs", a.substr(7), 1, 1024);
-        else if (a.rfind("-j", 0) == 0) jobs = numberOption("--jobs", a.substr(2), 1, 1024);
-        else if (a == "--timeout") timeout = static_cast<unsigned>(numberOption(a, args.value(), 1, 86400));
-        else if (a.rfind("--timeout=", 0) == 0)
-            timeout = static_cast<unsigned>(numberOption("--timeout", a.substr(10), 1, 86400));
-        else return false;
-        return true;
+    std::vector<Option> options() {
+        return {{"--jobs", true, [this](const std::string& v) { jobs = numberOption("--jobs", v, 1, 1024); }},
+                {"-j", true, [this](const std::string& v) { jobs = numberOption("--jobs", v, 1, 1024); }},
+                {"--timeout", true,
+                 [this](const std::string& v) { timeout = static_cast<unsigned>(numberOption("--timeout", v, 1, 86400)); }}};
     }
     BatchSettings settings(const char* verb) const {
         BatchSettings s;
@@ -237,22 +234,47 @@ struct BatchOptions {
     }
 };
 
-bool isOption(const std::string& arg) { return arg.size() > 1 && arg[0] == '-'; }
-
-void writeFile(const std::string& path, const std::string& text) {
-    std::ofstream out(path, std::ios::binary);
-    out << text;
-    out.flush();
-    if (!out) throw InputError{"cannot write " + path};
+// Reads a command's arguments against its table: options set what they set,
+// the rest are files. False when --help was asked for.
+bool parseOptions(const std::vector<std::string>& argv, const std::vector<Option>& table, const char* command,
+                  std::vector<std::string>& paths) {
+    for (std::size_t at = 0; at < argv.size(); ++at) {
+        const std::string& a = argv[at];
+        if (a == "--help") return false;
+        if (!isOption(a)) {
+            paths.push_back(a);
+            continue;
+        }
+        bool known = false;
+        for (const Option& option : table) {
+            const std::string name = option.name;
+            if (a == name) {
+                if (option.takesValue && at + 1 >= argv.size()) throw InputError{name + " needs a value"};
+                option.set(option.takesValue ? argv[++at] : std::string());
+            } else if (option.takesValue && a.rfind(name + "=", 0) == 0 && name.rfind("--", 0) == 0) {
+                option.set(a.substr(name.size() + 1));
+            } else if (option.takesValue && name.size() == 2 && a.rfind(name, 0) == 0 && name != "-o") {
+                option.set(a.substr(2));  // -j4
+            } else {
+                continue;
+            }
+            known = true;
+            break;
+        }
+        if (!known) throw InputError{"unknown option " + a + " (see 'ct600 " + command + " --help')"};
+    }
+    return true;
 }
 
-void writeOut(const std::string& path, const CString& text) {
-    if (path.empty() || path == "-") {
-        std::fwrite(text.c_str(), 1, static_cast<std::size_t>(text.GetLength()), stdout);
-        std::fputc('\n', stdout);
-        return;
-    }
-    writeFile(path, text.str() + "\n");
+std::vector<Option> operator+(std::vector<Option> a, std::vector<Option> b) {
+    a.insert(a.end(), std::make_move_iterator(b.begin()), std::make_move_iterator(b.end()));
+    return a;
+}
+
+// To a file (written safely) or to standard output.
+void writeOut(const std::string& path, const std::string& text) {
+    if (path.empty() || path == "-") printOut(text);
+    else writeFileSafely(path, text);
 }
 
 std::string withoutExtension(const std::string& relative) {
@@ -260,28 +282,40 @@ std::string withoutExtension(const std::string& relative) {
     return p.replace_extension().string();
 }
 
+std::vector<std::string> pathsOf(const std::vector<InputFile>& files) {
+    std::vector<std::string> paths;
+    for (const InputFile& f : files) paths.push_back(f.path);
+    return paths;
+}
+
 // Every output of a batch has a name of its own, and none lands on a return.
 void checkOutputNames(const std::vector<InputFile>& files, const std::string& outDir, const std::string& reportDir) {
     namespace fs = std::filesystem;
-    std::set<std::string> inputs, stems;
+    const std::vector<std::string> inputs = pathsOf(files);
+    std::set<std::string> canonical, stems;
     for (const InputFile& f : files) {
         std::error_code ec;
-        inputs.insert(fs::weakly_canonical(f.path, ec).string());
+        canonical.insert(fs::weakly_canonical(f.path, ec).string());
     }
     for (const InputFile& f : files) {
         const std::string stem = withoutExtension(f.relative);
         if (!stems.insert(stem).second)
             throw InputError{"two returns would have the output " + stem + " (" + f.path +
                              " is one); give them in folders of their own"};
-        if (outDir.empty()) continue;
-        for (const char* ext : {".xml", ".json", ".txt"}) {
-            std::error_code ec;
-            const std::string out = fs::weakly_canonical(fs::path(outDir) / (stem + ext), ec).string();
-            if (inputs.count(out))
-                throw InputError{"-o " + outDir + " would write over the return " + out + "; choose another folder"};
+        if (!outDir.empty()) {
+            for (const char* ext : {".xml", ".json", ".txt"}) {
+                const fs::path out = fs::path(outDir) / (stem + ext);
+                std::error_code ec;
+                if (canonical.count(fs::weakly_canonical(out, ec).string()))
+                    throw InputError{"-o " + outDir + " would write over the return " + out.string() +
+                                     "; choose another folder"};
+                checkNotAnInput(out.string(), inputs);
+            }
         }
+        if (!reportDir.empty())
+            for (const char* name : {"calc.htm", "ctcharge.xml"})
+                checkNotAnInput((fs::path(reportDir) / stem / name).string(), inputs);
     }
-    (void)reportDir;  // report folders are named after the stems checked above
 }
 
 // ---------------------------------------------------------------- calc
@@ -291,28 +325,26 @@ int commandCalc(const std::vector<std::string>& argv) {
     BatchOptions batch;
     std::string reportDir, outPath;
     std::vector<std::string> paths;
-    for (Args args(argv); args.next();) {
-        const std::string& a = args.current();
-        if (a == "--entry") options.entryName = args.value();
-        else if (a == "--report") reportDir = args.value();
-        else if (a == "-o") outPath = args.value();
-        else if (a == "--json") options.json = true;
-        else if (a == "--all") options.all = true;
-        else if (a == "--help") return showHelp(kCalcHelp);
-        else if (batch.take(args)) continue;
-        else if (isOption(a)) throw InputError{"unknown option " + a + " (see 'ct600 calc --help')"};
-        else paths.push_back(a);
-    }
+    const std::vector<Option> table = std::vector<Option>{
+        {"--entry", true, [&](const std::string& v) { options.entryName = v; }},
+        {"--report", true, [&](const std::string& v) { reportDir = v; }},
+        {"-o", true, [&](const std::string& v) { outPath = v; }},
+        {"--json", false, [&](const std::string&) { options.json = true; }},
+        {"--all", false, [&](const std::string&) { options.all = true; }},
+    } + batch.options();
+    if (!parseOptions(argv, table, "calc", paths)) return showHelp(kCalcHelp);
     if (paths.empty()) throw InputError{"calc needs a file"};
     if (!options.entryName.empty() && !FindFormEntry(options.entryName.c_str()))
         throw InputError{"no form entry named " + options.entryName + " (see 'ct600 entries')"};
 
     if (!isBatch(paths)) {
-        if (!reportDir.empty()) removeStaleReport();
+        const PrivateTempDir folder("run");
         const CalcRun run = runCalc(paths[0], options);
-        if (run.wholeReturn) writeOut(outPath, run.rebuilt);
-        else std::fputs(options.json ? calcJson(run, false).c_str() : calcText(run, options.all).c_str(), stdout);
-        if (!reportDir.empty()) copyReport(reportDir);
+        // Only a return recalculated as a whole may be written back over itself.
+        checkNotAnInput(outPath, paths, run.wholeReturn);
+        if (run.wholeReturn) writeOut(outPath, run.rebuilt.str() + "\n");
+        else writeOut(outPath, options.json ? calcJson(run, false) : calcText(run, options.all));
+        if (!reportDir.empty()) copyReport(folder.path(), reportDir, paths);
         return kExitOk;
     }
 
@@ -321,33 +353,39 @@ int commandCalc(const std::vector<std::string>& argv) {
     if (!outPath.empty()) {
         std::error_code failed;
         std::filesystem::create_directories(outPath, failed);
-        if (failed) throw InputError{"cannot create " + outPath + ": " + failed.message()};
+        if (failed) throw InputError{"cannot create the folder " + outPath + ": " + reason(failed.value())};
     }
+    const std::vector<std::string> inputs = pathsOf(files);
     const auto task = [&](const InputFile& file) {
         const CalcRun run = runCalc(file.path, options);
         FileResult result;
         result.status = run.errors.empty() ? FileStatus::Clean : FileStatus::Errors;
         const std::string stem = withoutExtension(file.relative);
-        if (!outPath.empty()) {
-            const std::filesystem::path out = std::filesystem::path(outPath) / stem;
-            std::error_code ignored;
-            std::filesystem::create_directories(out.parent_path(), ignored);
-            if (run.wholeReturn) writeFile(out.string() + ".xml", run.rebuilt.str() + "\n");
-            else if (options.json) writeFile(out.string() + ".json", calcJson(run, false));
-            else writeFile(out.string() + ".txt", calcText(run, options.all));
-        }
-        if (!reportDir.empty()) {
-            try {
-                copyReport((std::filesystem::path(reportDir) / stem).string());
-            } catch (const InputError& e) {
-                result.err += "ct600: " + file.path + ": " + e.message + "\n";
+        // An output that cannot be written fails the file, and with it the batch.
+        try {
+            if (!outPath.empty()) {
+                const std::filesystem::path out = std::filesystem::path(outPath) / stem;
+                std::error_code failed;
+                std::filesystem::create_directories(out.parent_path(), failed);
+                if (failed)
+                    throw InputError{"cannot create the folder " + out.parent_path().string() + ": " +
+                                     reason(failed.value())};
+                if (run.wholeReturn) writeFileSafely(out.string() + ".xml", run.rebuilt.str() + "\n");
+                else if (options.json) writeFileSafely(out.string() + ".json", calcJson(run, false));
+                else writeFileSafely(out.string() + ".txt", calcText(run, options.all));
             }
+            if (!reportDir.empty())
+                copyReport(GetTempDir().str(), (std::filesystem::path(reportDir) / stem).string(), inputs);
+        } catch (const InputError& e) {
+            result.status = FileStatus::Unwritten;
+            result.err += "ct600: " + file.path + ": " + e.message + "\n";
         }
         if (options.json && outPath.empty()) {
             result.out = calcJson(run, true, file.path);
         } else {
             result.out = file.path + ": " + calcSummary(run) + "\n";
-            for (const ErrorLine& e : run.errors) result.out += file.path + ": " + e.field + ": " + e.text + "\n";
+            for (const ErrorLine& e : run.errors)
+                result.out += file.path + ": " + toUtf8(e.field) + ": " + toUtf8(e.text) + "\n";
         }
         return result;
     };
@@ -356,24 +394,52 @@ int commandCalc(const std::vector<std::string>& argv) {
 
 // ---------------------------------------------------------------- validate
 
+// A file name as the value of an attribute of a document declared ISO-8859-1:
+// what Latin-1 holds as itself, anything else as a character reference.
+std::string fileAttribute(const std::string& path) {
+    std::string out;
+    for (std::size_t at = 0; at < path.size();) {
+        std::size_t end = at + 1;
+        while (end < path.size() && (static_cast<unsigned char>(path[end]) & 0xC0) == 0x80) ++end;
+        const std::string ch = path.substr(at, end - at);
+        std::string bad;
+        const std::string latin = toLatin1(ch, &bad);
+        if (bad.empty() && !latin.empty()) {
+            out += escapeMarkup(latin);
+        } else {
+            // "'ł' (U+0142)" gives the code point; a byte that is no UTF-8 stands for itself.
+            const auto plus = bad.find("(U+");
+            out += plus != std::string::npos ? "&#x" + bad.substr(plus + 3, bad.find(')', plus) - plus - 3) + ";"
+                                             : "&#" + std::to_string(static_cast<unsigned char>(ch[0])) + ";";
+        }
+        at = end;
+    }
+    return out;
+}
+
+constexpr const char* kFilePlaceholder = "ct600-file-attribute";
+
+std::string withFileAttribute(std::string saved, const std::string& path) {
+    const std::string placeholder = std::string("file=\"") + kFilePlaceholder + "\"";
+    const auto at = saved.find(placeholder);
+    if (at != std::string::npos) saved.replace(at, placeholder.size(), "file=\"" + fileAttribute(path) + "\"");
+    return saved;
+}
+
 int commandValidate(const std::vector<std::string>& argv) {
     bool xml = false;
     BatchOptions batch;
     std::vector<std::string> paths;
-    for (Args args(argv); args.next();) {
-        const std::string& a = args.current();
-        if (a == "--xml") xml = true;
-        else if (a == "--help") return showHelp(kValidateHelp);
-        else if (batch.take(args)) continue;
-        else if (isOption(a)) throw InputError{"unknown option " + a + " (see 'ct600 validate --help')"};
-        else paths.push_back(a);
-    }
+    const std::vector<Option> table =
+        std::vector<Option>{{"--xml", false, [&](const std::string&) { xml = true; }}} + batch.options();
+    if (!parseOptions(argv, table, "validate", paths)) return showHelp(kValidateHelp);
     if (paths.empty()) throw InputError{"validate needs a file"};
     requireTemplate();
 
     if (!isBatch(paths)) {
+        const PrivateTempDir folder("run");
         const ValidateRun run = runValidate(paths[0], xml);
-        std::fputs(run.text.c_str(), stdout);
+        printOut(run.text);
         return run.errorsFound ? kExitErrorsFound : kExitOk;
     }
 
@@ -381,19 +447,20 @@ int commandValidate(const std::vector<std::string>& argv) {
     // In the XML document a return that gives no Errors of its own still has its element.
     const auto problemElement = [](const InputFile& file, const std::string& why) {
         CXMLVar element("Errors");
-        element.SetAttr("file", file.path.c_str());
-        element.SetAttr("unreadable", why.c_str());
+        element.SetAttr("file", kFilePlaceholder);
+        std::string bad;
+        element.SetAttr("unreadable", toLatin1(why, &bad).c_str());
         CString text;
         element.Save(text, 0);
-        return text.str() + "\n";
+        return withFileAttribute(text.str(), file.path) + "\n";
     };
     const auto task = [&](const InputFile& file) {
         FileResult result;
         try {
-            const ValidateRun run = runValidate(file.path, xml, xml ? file.path : std::string());
+            const ValidateRun run = runValidate(file.path, xml, xml ? kFilePlaceholder : std::string());
             result.status = run.errorsFound ? FileStatus::Errors : FileStatus::Clean;
             if (xml) {
-                result.out = run.text;
+                result.out = withFileAttribute(run.text, file.path);
             } else {
                 std::size_t at = 0;
                 while (at < run.text.size()) {
@@ -422,74 +489,93 @@ int commandValidate(const std::vector<std::string>& argv) {
 
 int commandReport(const std::vector<std::string>& argv) {
     CalcOptions options;
-    std::string path, outPath;
-    for (Args args(argv); args.next();) {
-        const std::string& a = args.current();
-        if (a == "--entry") options.entryName = args.value();
-        else if (a == "-o") outPath = args.value();
-        else if (a == "--help") return showHelp(kReportHelp);
-        else if (isOption(a)) throw InputError{"unknown option " + a + " (see 'ct600 report --help')"};
-        else if (path.empty()) path = a;
-        else throw InputError{"report takes one file"};
-    }
-    if (path.empty()) throw InputError{"report needs a file"};
-    const std::string page = buildReport(path, options);
-    if (outPath.empty() || outPath == "-") std::fputs(page.c_str(), stdout);
-    else writeFile(outPath, page);
+    std::string outPath;
+    std::vector<std::string> paths;
+    const std::vector<Option> table = {
+        {"--entry", true, [&](const std::string& v) { options.entryName = v; }},
+        {"-o", true, [&](const std::string& v) { outPath = v; }},
+    };
+    if (!parseOptions(argv, table, "report", paths)) return showHelp(kReportHelp);
+    if (paths.empty()) throw InputError{"report needs a file"};
+    if (paths.size() > 1) throw InputError{"report takes one file"};
+    checkNotAnInput(outPath, paths);
+    writeOut(outPath, buildReport(paths[0], options));
     return kExitOk;
 }
 
-int commandMessage(const std::vector<std::string>& args) {
-    if (args.size() == 1 && args[0] == "--help") return showHelp(kMessageHelp);
-    if (args.size() != 1 || isOption(args[0])) throw InputError{"message takes one file"};
-    CMapStringToString boxes = loadBoxes(args[0]);
+int commandMessage(const std::vector<std::string>& argv) {
+    std::vector<std::string> paths;
+    if (!parseOptions(argv, {}, "message", paths)) return showHelp(kMessageHelp);
+    if (paths.size() != 1) throw InputError{"message takes one file"};
+    const PrivateTempDir folder("run");
+    CMapStringToString boxes = loadBoxes(paths[0]);
     const std::unique_ptr<CXMLVar> message(quick_govtalk(boxes));
-    if (!message) throw InputError{"the message template ctv3_16.xml is missing from " + GetCTdir().str()};
+    if (!message) requireTemplate();
+    if (!message) throw InputError{paths[0] + ": no message could be built from the return"};
     CString text;
     message->Save(text);
-    std::printf("%s\n", text.c_str());
+    printOut(text.str() + "\n");
     return kExitOk;
 }
 
-int commandEntries(const std::vector<std::string>& args) {
-    if (args.size() == 1 && args[0] == "--help") return showHelp(kEntriesHelp);
-    if (!args.empty()) throw InputError{"entries takes no argument"};
+int commandEntries(const std::vector<std::string>& argv) {
+    std::vector<std::string> paths;
+    if (!parseOptions(argv, {}, "entries", paths)) return showHelp(kEntriesHelp);
+    if (!paths.empty()) throw InputError{"entries takes no argument"};
     int count = 0;
     const FormEntryInfo* entries = FormEntries(&count);
-    for (int i = 0; i < count; ++i) std::printf("%-12s %s\n", entries[i].name, entries[i].calculator);
+    char line[128];
+    for (int i = 0; i < count; ++i) {
+        std::snprintf(line, sizeof line, "%-12s %s\n", entries[i].name, entries[i].calculator);
+        printOut(line);
+    }
     const char* const others[][2] = {{"do_calc", "return tree"},       {"do_calc2", "return as XML text"},
                                      {"do_validate", "business rules"}, {"LiabilityCalc", "box map"},
                                      {"AtoT", "date text"}};
-    for (const auto& other : others) std::printf("%-12s %s\n", other[0], other[1]);
+    for (const auto& other : others) {
+        std::snprintf(line, sizeof line, "%-12s %s\n", other[0], other[1]);
+        printOut(line);
+    }
     return kExitOk;
 }
 
 // The calculator's errors are printed with the boxes; the error dialog stays quiet.
 void quietErrorSink(const CObList&, const CStringList*, void*) {}
 
+using Command = int (*)(const std::vector<std::string>&);
+
+int runCommand(const std::string& command, const std::vector<std::string>& args) {
+    const std::pair<const char*, Command> commands[] = {{"calc", commandCalc},       {"validate", commandValidate},
+                                                        {"report", commandReport},   {"message", commandMessage},
+                                                        {"entries", commandEntries}};
+    try {
+        for (const auto& [name, run] : commands)
+            if (command == name) return run(args);
+        throw InputError{"unknown command " + command + " (try 'ct600 --help')"};
+    } catch (const InputError& e) {
+        std::fprintf(stderr, "ct600: %s\n", e.message.c_str());
+    } catch (const OutputLost&) {
+        // already said
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "ct600: %s\n", e.what());
+    }
+    return kExitBadInput;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     SetErrorSink(quietErrorSink, nullptr);
+    // A file size limit shows as a failed write (EFBIG), not as the end of the process.
+    signal(SIGXFSZ, SIG_IGN);
+    installCleanupHandlers();
     std::vector<std::string> args(argv + 1, argv + argc);
     if (args.empty() || args[0] == "--help" || args[0] == "-h" || args[0] == "help") {
         std::fputs(kUsage, args.empty() ? stderr : stdout);
-        return args.empty() ? kExitBadInput : kExitOk;
+        return finishOut() && !args.empty() ? kExitOk : kExitBadInput;
     }
     const std::string command = args[0];
     args.erase(args.begin());
-    try {
-        if (command == "calc") return commandCalc(args);
-        if (command == "validate") return commandValidate(args);
-        if (command == "report") return commandReport(args);
-        if (command == "message") return commandMessage(args);
-        if (command == "entries") return commandEntries(args);
-        throw InputError{"unknown command " + command + " (try 'ct600 --help')"};
-    } catch (const InputError& e) {
-        std::fprintf(stderr, "ct600: %s\n", e.message.c_str());
-        return kExitBadInput;
-    } catch (const std::exception& e) {
-        std::fprintf(stderr, "ct600: %s\n", e.what());
-        return kExitBadInput;
-    }
+    const int status = runCommand(command, args);
+    return finishOut() ? status : kExitBadInput;
 }

@@ -56,7 +56,9 @@ footer { max-width: 60rem; margin: 0 auto; padding: 1rem 2rem 2rem; color: var(-
 @media print { header { background: none; color: var(--ink); border-bottom: 2px solid var(--ink); } main { max-width: none; } }
 )css";
 
+// The library's texts are ISO-8859-1; the labels and file names are UTF-8 already.
 std::string esc(const std::string& text) { return escapeMarkup(toUtf8(text)); }
+std::string escUtf8(const std::string& text) { return escapeMarkup(text); }
 
 // 1234567.5 as "1,234,567.50"; text that is no plain number stays as it is.
 std::string withThousands(const std::string& number) {
@@ -109,6 +111,7 @@ Shown showBox(const CString& raw, const BoxLabel* label) {
         char* end = nullptr;
         std::strtod(shown.text.c_str(), &end);
         shown.numeric = !shown.text.empty() && end && *end == '\0';
+        if (shown.numeric) shown.text = withThousands(shown.text);
         return shown;
     }
     switch (label->kind) {
@@ -152,15 +155,40 @@ void tableStart(std::string& out) {
            "<th class=\"value\">Value</th></tr></thead><tbody>\n";
 }
 
+// A box of the form is Q and a number (QA10B.2, Q155); the rest (form,
+// from, fileattach1) and the calculator's own Q1000 are the software's.
+bool isFormBox(const std::string& key) {
+    if (key == "Q1000" || key.size() < 2 || key[0] != 'Q') return false;
+    const std::size_t digit = std::isupper(static_cast<unsigned char>(key[1])) ? 2 : 1;
+    return digit < key.size() && std::isdigit(static_cast<unsigned char>(key[digit]));
+}
+
+void otherTable(std::string& out, const char* title, std::vector<std::pair<std::string, Shown>>& rows) {
+    if (rows.empty()) return;
+    std::sort(rows.begin(), rows.end(), [](const auto& a, const auto& b) { return formOrder(a.first, b.first); });
+    out += std::string("<h3>") + title + "</h3>\n";
+    tableStart(out);
+    for (const auto& [key, shown] : rows) {
+        out += "<tr><td class=\"box\">" + esc(key) + "</td><td></td>";
+        valueCell(out, shown);
+        out += "</tr>\n";
+    }
+    out += "</tbody></table>\n";
+}
+
 void figures(std::string& out, const CalcRun& run) {
-    const BoxLabels* labels = run.thirdGeneration ? &BoxLabels::ThirdGeneration() : nullptr;
+    const BoxLabels* labels = run.generation == 3 ? &BoxLabels::ThirdGeneration() : nullptr;
     std::vector<Row> mapped;
-    std::vector<std::pair<std::string, Shown>> others;
+    std::vector<std::pair<std::string, Shown>> others, internal;
     for (const auto& [key, value] : run.boxes.items()) {
         if (key == kWorkedReportKey) continue;  // shown as the worked computation
         const FoundLabel found = labels ? labels->Find(key.str()) : FoundLabel{};
         Shown shown = showBox(value, found.label);
         if (shown.text.empty()) continue;
+        if (!isFormBox(key.str()) && !found.label) {
+            internal.emplace_back(key.str(), std::move(shown));
+            continue;
+        }
         if (!found.label) {
             others.emplace_back(key.str(), std::move(shown));
             continue;
@@ -175,7 +203,6 @@ void figures(std::string& out, const CalcRun& run) {
         mapped.push_back(std::move(row));
     }
     std::sort(mapped.begin(), mapped.end(), [](const Row& a, const Row& b) { return a.order < b.order; });
-    std::sort(others.begin(), others.end(), [](const auto& a, const auto& b) { return formOrder(a.first, b.first); });
 
     out += "<section id=\"figures\">\n<h2>Figures of the return</h2>\n";
     if (mapped.empty() && others.empty()) out += "<p class=\"none\">No box holds anything.</p>\n";
@@ -184,25 +211,21 @@ void figures(std::string& out, const CalcRun& run) {
         if (std::get<0>(row.order) != section) {
             if (section >= 0) out += "</tbody></table>\n";
             section = std::get<0>(row.order);
-            out += "<h3>" + esc(labels->Sections()[static_cast<std::size_t>(section)]) + "</h3>\n";
+            out += "<h3>" + escUtf8(labels->Sections()[static_cast<std::size_t>(section)]) + "</h3>\n";
             tableStart(out);
         }
-        out += "<tr><td class=\"box\">" + esc(row.box) + "</td><td>" + esc(row.meaning) + "</td>";
+        out += "<tr><td class=\"box\">" + escUtf8(row.box) + "</td><td>" + escUtf8(row.meaning) + "</td>";
         valueCell(out, row.shown);
         out += "</tr>\n";
     }
     if (section >= 0) out += "</tbody></table>\n";
-    if (!others.empty()) {
-        out += labels ? "<h3>Other boxes</h3>\n" : "<h3>Boxes</h3>\n";
-        tableStart(out);
-        for (const auto& [key, shown] : others) {
-            out += "<tr><td class=\"box\">" + esc(key) + "</td><td></td>";
-            valueCell(out, shown);
-            out += "</tr>\n";
-        }
-        out += "</tbody></table>\n";
-    }
+    otherTable(out, labels ? "Other boxes" : "Boxes", others);
     out += "</section>\n";
+    if (!internal.empty()) {
+        out += "<section id=\"internal\">\n<h2>Entries kept by the software (not boxes of the form)</h2>\n";
+        otherTable(out, "Entries", internal);
+        out += "</section>\n";
+    }
 }
 
 std::string firstFilled(const CalcRun& run, std::initializer_list<const char*> keys) {
@@ -220,10 +243,14 @@ std::string money(const CalcRun& run, const char* key) {
 
 }  // namespace
 
-std::string reportPage(const CalcRun& run, const std::string& workedHtml, const std::string& source) {
-    const std::string name = firstFilled(run, {"name", "Q1"});
-    const std::string reference = firstFilled(run, {"tax_reference", "Q3"});
-    const std::string from = firstFilled(run, {"from", "From"}), to = firstFilled(run, {"to", "To"});
+std::string reportPage(const CalcRun& run, const std::string& workedHtml, const std::string& source,
+                       const Validation& validation) {
+    // Q1 and Q3 are the company and its reference on the current form only.
+    const bool third = run.generation == 3;
+    const std::string name = third ? firstFilled(run, {"name", "Q1"}) : firstFilled(run, {"name"});
+    const std::string reference = third ? firstFilled(run, {"tax_reference", "Q3"}) : firstFilled(run, {"tax_reference"});
+    const GenerationBoxes& g = generationBoxes(run.generation);
+    const std::string from = firstFilled(run, {g.from}), to = firstFilled(run, {g.to});
     const std::string form = firstFilled(run, {"form"});
     const std::string title = name.empty() ? "Company tax return" : name;
 
@@ -246,8 +273,12 @@ std::string reportPage(const CalcRun& run, const std::string& workedHtml, const 
     out += "</dl>\n</header>\n<main>\n";
 
     out += "<section id=\"summary\">\n<h2>Tax chargeable</h2>\n<table class=\"summary\">\n";
-    out += "<tr><th>Corporation tax chargeable</th><td class=\"value\">" + money(run, "Q70") + "</td></tr>\n";
-    out += "<tr><th>Tax payable</th><td class=\"value\">" + money(run, "Q525") + "</td></tr>\n";
+    std::string chargeable = g.chargeableName;
+    chargeable[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(chargeable[0])));
+    out += "<tr><th>" + chargeable + " (" + g.chargeable + ")</th><td class=\"value\">" + money(run, g.chargeable) +
+           "</td></tr>\n";
+    out += "<tr><th>Tax payable (" + std::string(g.payable) + ")</th><td class=\"value\">" + money(run, g.payable) +
+           "</td></tr>\n";
     out += "</table>\n</section>\n";
 
     figures(out, run);
@@ -267,8 +298,18 @@ std::string reportPage(const CalcRun& run, const std::string& workedHtml, const 
         for (const ErrorLine& e : run.errors) out += "<li><code>" + esc(e.field) + "</code>" + esc(e.text) + "</li>\n";
         out += "</ul>\n";
     }
+    out += "<h2>Errors found by validation (business rules and schema)</h2>\n";
+    if (!validation.problem.empty()) {
+        out += "<p class=\"none\">Validation could not run: " + escUtf8(validation.problem) + "</p>\n";
+    } else if (validation.lines.empty()) {
+        out += "<p class=\"none\">None.</p>\n";
+    } else {
+        out += "<ul class=\"errors\">\n";
+        for (const std::string& line : validation.lines) out += "<li>" + escUtf8(line) + "</li>\n";
+        out += "</ul>\n";
+    }
     out += "</section>\n</main>\n";
-    out += "<footer>Recalculated by ct600 from " + esc(source) + ".</footer>\n</body>\n</html>\n";
+    out += "<footer>Recalculated by ct600 from " + escUtf8(source) + ".</footer>\n</body>\n</html>\n";
     return out;
 }
 
@@ -278,7 +319,19 @@ std::string buildReport(const std::string& path, const CalcOptions& options) {
     std::string worked;
     const auto htm = std::filesystem::path(folder.path()) / "calc.htm";
     if (std::filesystem::exists(htm)) worked = readFile(htm.string());
-    return reportPage(run, worked, path);
+    Validation validation;
+    try {
+        requireTemplate();
+        const ValidateRun checked = runValidate(path, false);
+        for (std::size_t at = 0; at < checked.text.size();) {
+            const std::size_t end = std::min(checked.text.find('\n', at), checked.text.size());
+            validation.lines.push_back(checked.text.substr(at, end - at));
+            at = end + 1;
+        }
+    } catch (const InputError& e) {
+        validation.problem = e.message;
+    }
+    return reportPage(run, worked, path, validation);
 }
 
 }  // namespace cli

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "cli.h"
 
@@ -9,9 +10,15 @@ namespace cli {
 
 // The page for a run: the return's header, its figures by section, the
 // worked computation (calc.htm as the liability driver wrote it, empty when
-// the run wrote none) and the calculator's errors. Standalone: styles inline,
+// the run wrote none), the calculator's errors and validation's. Standalone: styles inline,
 // nothing fetched, UTF-8.
-std::string reportPage(const CalcRun& run, const std::string& workedHtml, const std::string& source);
+// What validation said of the return: its lines (UTF-8), or why it could not run.
+struct Validation {
+    std::vector<std::string> lines;
+    std::string problem;
+};
+std::string reportPage(const CalcRun& run, const std::string& workedHtml, const std::string& source,
+                       const Validation& validation = {});
 
 // Recalculates the return in path in a temporary folder of its own and gives
 // the page.

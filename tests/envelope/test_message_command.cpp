@@ -47,7 +47,7 @@ TEST(MessageCommand, BadUseExitsTwoWithOneMessage) {
     const Case cases[] = {
         {"message", kTemplates, "message takes one file"},
         {"message a.json b.json", kTemplates, "message takes one file"},
-        {"message --json", kTemplates, "message takes one file"},
+        {"message --json", kTemplates, "unknown option --json"},
         {"message /no/such/file.json", kTemplates, "cannot read /no/such/file.json"},
         {"message " + envtest::sourcePath("examples/sample-return.json"), "CT600_TEMPLATE_DIR=" + empty.string(),
          "ctv3_16.xml is missing"},

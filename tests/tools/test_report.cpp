@@ -67,7 +67,7 @@ TEST(ReportPage, TheSampleReturnAsAStandalonePage) {
     // Sections in the order of the form; a box with no place in the map is still shown.
     EXPECT_LT(page.find("<h3>Company information"), page.find("<h3>Tax calculation</h3>"));
     EXPECT_LT(page.find("<h3>Tax calculation</h3>"), page.find("<h3>Tax outstanding"));
-    EXPECT_NE(page.find("<td class=\"box\">Q528</td><td></td><td class=\"value\">36199.21</td>"), std::string::npos);
+    EXPECT_NE(page.find("<td class=\"box\">Q528</td><td></td><td class=\"value\">36,199.21</td>"), std::string::npos);
     EXPECT_NE(page.find("<p class=\"none\">None.</p>"), std::string::npos);  // no calculator error
 }
 
