@@ -1,7 +1,12 @@
 // Folders, paths and the existence of files.
+#include <dlfcn.h>
+#include <limits.h>
+#include <stdlib.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <vector>
 #include <system_error>
 
 #include "common/library.h"
@@ -20,9 +25,27 @@ CString folderFromEnv(const char* variable) {
     return CString(std::move(folder));
 }
 
-[[maybe_unused]] bool isFolder(const char* path) {
+bool isFolder(const char* path) {
     std::error_code ec;
     return fs::is_directory(fs::path(path), ec);
+}
+
+// The templates of an installed tree, found from where this code was loaded:
+// PREFIX/lib/libct600.so or PREFIX/bin/ct600 gives PREFIX/share/ct600/templates,
+// wherever the tree was installed or moved to. Empty when there is none.
+std::string installedTemplates() {
+    std::vector<std::string> objects;
+    Dl_info info{};
+    if (dladdr(reinterpret_cast<void*>(&GetCTdir), &info) && info.dli_fname && *info.dli_fname)
+        objects.emplace_back(info.dli_fname);
+    objects.emplace_back("/proc/self/exe");  // this code linked into the program itself
+    for (const std::string& object : objects) {
+        char real[PATH_MAX];
+        if (!realpath(object.c_str(), real)) continue;
+        const fs::path folder = fs::path(real).parent_path().parent_path() / "share" / "ct600" / "templates";
+        if (isFolder(folder.c_str())) return folder.string();
+    }
+    return std::string();
 }
 
 }  // namespace
@@ -45,6 +68,8 @@ CString GetTempDir() {
 CString GetCTdir() {
     CString folder = folderFromEnv("CT600_TEMPLATE_DIR");
     if (!folder.IsEmpty()) return folder;
+    static const std::string installed = installedTemplates();
+    if (!installed.empty()) return CString(installed);
 #ifdef CT600_TEMPLATE_INSTALL_DIR
     if (isFolder(CT600_TEMPLATE_INSTALL_DIR)) return CString(CT600_TEMPLATE_INSTALL_DIR);
 #endif

@@ -64,8 +64,10 @@ extern "C" CT600_EXPORT CTime AtoT(const char* date);
 // ---- folders and files. Each folder comes without a trailing separator and
 // can be set by the host through an environment variable:
 //   CT600_TEMP_DIR      temporary folder (default: system temp folder + /ct600, created on use)
-//   CT600_TEMPLATE_DIR  form templates (default: the installed template folder, or the
-//                       source tree's when running from a build tree)
+//   CT600_TEMPLATE_DIR  form templates (default: share/ct600/templates of the tree the
+//                       library or program was installed in, wherever that now is; then
+//                       the configured install folder; or the source tree's when
+//                       running from a build tree)
 //   CT600_FORMATS_DIR   style sheets (default: the template folder)
 //   CT600_SUITE_DIR     the suite's own folder (default: the template folder)
 CString GetTempDir();

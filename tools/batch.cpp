@@ -47,8 +47,10 @@ std::vector<InputFile> filesBelow(const std::string& folder) {
     std::vector<InputFile> found;
     std::error_code ec;
     auto it = fs::recursive_directory_iterator(folder, ec);
+    fs::path at = folder;  // the folder being entered when reading fails
     for (; !ec && it != fs::recursive_directory_iterator(); it.increment(ec)) {
         const fs::path& path = it->path();
+        at = path;
         const std::string name = path.filename().string();
         std::error_code kind;
         if (!name.empty() && name[0] == '.') {
@@ -58,7 +60,11 @@ std::vector<InputFile> filesBelow(const std::string& folder) {
         if (it->is_regular_file(kind) && isReturnName(path))
             found.push_back({path.string(), path.lexically_relative(folder).string()});
     }
-    if (ec) throw InputError{"cannot read the folder " + folder + ": " + ec.message()};
+    if (ec) {
+        std::error_code kind;
+        const std::string failed = fs::is_directory(at, kind) ? at.string() : folder;
+        throw InputError{"cannot read the folder " + failed + ": " + reason(ec.value())};
+    }
     if (found.empty()) throw InputError{"no .json or .xml file in " + folder};
     std::sort(found.begin(), found.end(), [](const InputFile& a, const InputFile& b) { return a.path < b.path; });
     return found;

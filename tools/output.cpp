@@ -140,6 +140,8 @@ void writeFileSafely(const std::string& path, const std::string& text) {
         const fs::path resolved = fs::canonical(target, ec);
         if (!ec) target = resolved;
     }
+    // A file its owner made read-only stays as it is.
+    if (access(target.c_str(), F_OK) == 0 && access(target.c_str(), W_OK) != 0) fail(errno);
     fs::path folder = target.parent_path();
     if (folder.empty()) folder = ".";
     // A dot first, so that a folder of returns read by a later batch skips it.
