@@ -39,7 +39,8 @@ const char* const kUsage =
     "        Recalculate returns: the tax chargeable, the boxes and the\n"
     "        calculator's errors, or the rebuilt return XML.\n"
     "  validate [--xml] FILE...\n"
-    "        Print every error HMRC's service would reject each return for.\n"
+    "        Check returns against the business rules and the schema of the\n"
+    "        form version the library targets.\n"
     "  report [--entry NAME] [-o OUT] FILE\n"
     "        Write the recalculated return and its worked computation as one\n"
     "        HTML page.\n"
@@ -53,9 +54,13 @@ const char* const kUsage =
     "processes (default: one per processor), --timeout SECONDS a return at most.\n"
     "'ct600 COMMAND --help' tells each command's options.\n"
     "\n"
+    "Outputs are written whole or not at all, never over an input (but for\n"
+    "'calc RET.xml -o RET.xml'); JSON is UTF-8, the message ISO-8859-1.\n"
+    "\n"
     "exit status: 0 done (validate: every return clean), 1 errors found\n"
-    "(validate; calc on several returns), 2 unreadable or malformed input, a\n"
-    "missing template, or bad usage.\n";
+    "(validate; calc on several returns), 2 unreadable or malformed input, an\n"
+    "output that could not be written, a missing template, or bad usage;\n"
+    "129, 130, 143 ended by HUP, INT or TERM (temporary files removed).\n";
 
 const char* const kBatchOptions =
     "  --jobs N, -j N\n"
@@ -99,10 +104,12 @@ const char* const kCalcHelp =
     "  --all\n"
     "        List every box, the empty ones too.\n"
     "  --report DIR\n"
-    "        Copy the worked report of the computation (calc.htm, ctcharge.xml)\n"
-    "        to DIR; in a batch to DIR/NAME/ for each return NAME.\n"
+    "        Copy the worked report of the computation (calc.htm, and\n"
+    "        ctcharge.xml where the form writes one) to DIR; in a batch to\n"
+    "        DIR/NAME/ for each return NAME.\n"
     "  -o OUT\n"
-    "        Where the rebuilt return XML goes (default: standard output). In a\n"
+    "        Where the rebuilt return XML, or what calc prints, goes (default:\n"
+    "        standard output); OUT may be the return XML itself. In a\n"
     "        batch OUT is a folder that gets one file per return, named as the\n"
     "        return is below its folder: NAME.xml for a rebuilt return XML,\n"
     "        NAME.json with --json, NAME.txt otherwise.\n"
@@ -115,15 +122,17 @@ const char* const kCalcHelp =
     "found; with --json and no -o, one JSON object a line, with its \"file\".\n"
     "\n"
     "exit status: 0 done; 1 a batch in which the calculator found errors in a\n"
-    "return; 2 unreadable or malformed input, or bad usage.\n";
+    "return; 2 unreadable or malformed input, an output not written, or bad\n"
+    "usage; 129, 130, 143 ended by HUP, INT or TERM.\n";
 
 const char* const kValidateHelp =
     "usage: ct600 validate [--xml] FILE\n"
     "       ct600 validate [--xml] [--jobs N] [--timeout SECONDS] FILE|FOLDER...\n"
     "\n"
     "Build the message the return in FILE (JSON or return XML) would be filed\n"
-    "in, and print every error HMRC's service would reject it for, one a line\n"
-    "as code:message (schema errors as their text), rule errors first.\n"
+    "in, check it against the business rules and the schema of the form\n"
+    "version the library targets, and print each error, one a line as\n"
+    "code:message (schema errors as their text), rule errors first.\n"
     "\n"
     "options:\n"
     "  --xml\n"
@@ -137,7 +146,8 @@ const char* const kValidateHelp =
     "In a batch each error line is prefixed by the return's path and ': '.\n"
     "\n"
     "exit status: 0 every return clean, 1 errors found, 2 a return unreadable,\n"
-    "the message template missing, or bad usage.\n";
+    "standard output not written, the message template missing, or bad usage;\n"
+    "129, 130, 143 ended by HUP, INT or TERM.\n";
 
 const char* const kReportHelp =
     "usage: ct600 report [--entry NAME] [-o OUT] FILE\n"
@@ -146,19 +156,21 @@ const char* const kReportHelp =
     "one standalone HTML page: the company, its tax reference and period; the\n"
     "tax chargeable; the boxes that hold something, by section of the form,\n"
     "with their numbers and meanings; the worked computation of the tax by\n"
-    "financial year (the liability engine's calc.htm); and the calculator's\n"
-    "errors. The page needs nothing else to display or print.\n"
+    "financial year (the liability engine's calc.htm); the calculator's errors\n"
+    "and validation's; and, apart, the entries that are no box of the form.\n"
+    "The page needs nothing else to display or print.\n"
     "\n"
     "options:\n"
     "  --entry NAME\n"
     "        The form entry to run (default ctv3_21; a return XML is then read as\n"
     "        a box map).\n"
     "  -o OUT\n"
-    "        Write the page to OUT (default: standard output).\n"
+    "        Write the page to OUT (default: standard output); never over FILE.\n"
     "  --help\n"
     "        Show this text.\n"
     "\n"
-    "exit status: 0 done, 2 unreadable or malformed input, or bad usage.\n";
+    "exit status: 0 done, 2 unreadable or malformed input, the page not\n"
+    "written, or bad usage; 129, 130, 143 ended by HUP, INT or TERM.\n";
 
 const char* const kMessageHelp =
     "usage: ct600 message FILE\n"
@@ -172,7 +184,8 @@ const char* const kMessageHelp =
     "        Show this text.\n"
     "\n"
     "exit status: 0 done, 2 unreadable or malformed input, a missing template,\n"
-    "or bad usage.\n";
+    "standard output not written, or bad usage; 129, 130, 143 ended by HUP,\n"
+    "INT or TERM.\n";
 
 const char* const kEntriesHelp =
     "usage: ct600 entries\n"

@@ -40,7 +40,8 @@ case "${1:-}" in
         exec "$root/build/tools/ct600" calc "${@:-$root/examples/sample-return.json}"
         ;;
     test)
-        install_missing clang libclang-rt-14-dev
+        # chromium renders the report page headless in the tests (as root too: --no-sandbox).
+        install_missing clang libclang-rt-14-dev chromium
         build "$root/build"
         ctest --test-dir "$root/build" -j "$jobs" --output-on-failure
         build "$root/build-asan" -DCT600_SANITIZE=ON -DCT600_BUILD_BENCH=OFF
