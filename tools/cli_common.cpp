@@ -372,7 +372,12 @@ std::string calcJson(const CalcRun& run, bool oneLine, const std::string& file) 
     for (const auto& [key, value] : run.boxes.items()) out["boxes"][toUtf8(key.str())] = toUtf8(value.str());
     out["errors"] = nlohmann::ordered_json::array();
     for (const auto& e : run.errors) out["errors"].push_back({{"field", toUtf8(e.field)}, {"text", toUtf8(e.text)}});
-    out["validation"] = toUtf8(run.validation);
+    // The error document travels as text of the JSON: UTF-8, and declared so.
+    std::string validation = toUtf8(run.validation);
+    const std::string latin = "encoding=\"ISO-8859-1\"";
+    if (const auto at = validation.find(latin); at != std::string::npos && at < validation.find("?>"))
+        validation.replace(at, latin.size(), "encoding=\"UTF-8\"");
+    out["validation"] = validation;
     // Only a file name can hold bytes that are not UTF-8.
     return out.dump(oneLine ? -1 : 2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
 }
