@@ -18,6 +18,7 @@
 #include "entry/exports.h"
 #include "envelope/envelope.h"
 #include "report.h"
+#include "submission.h"
 
 using namespace cli;
 
@@ -35,13 +36,15 @@ const char* const kUsage =
     "  calc [--entry NAME] [--json] [--all] [--report DIR] [-o OUT] FILE...\n"
     "        Recalculate returns: the tax chargeable, the boxes and the\n"
     "        calculator's errors, or the rebuilt return XML.\n"
-    "  validate [--xml] FILE...\n"
+    "  validate [--xml] [--submission] FILE...\n"
     "        Print every error HMRC's service would reject each return for.\n"
     "  report [--entry NAME] [-o OUT] FILE\n"
     "        Write the recalculated return and its worked computation as one\n"
     "        HTML page.\n"
     "  message FILE\n"
-    "        Print the GovTalkMessage that validation builds from a return.\n"
+    "        Print the GovTalkMessage that validation builds from a return;\n"
+    "        with --submission [--test], the full message that files it with\n"
+    "        HMRC.\n"
     "  entries\n"
     "        List every form entry with the calculator it runs.\n"
     "\n"
@@ -115,8 +118,8 @@ const char* const kCalcHelp =
     "return; 2 unreadable or malformed input, or bad usage.\n";
 
 const char* const kValidateHelp =
-    "usage: ct600 validate [--xml] FILE\n"
-    "       ct600 validate [--xml] [--jobs N] [--timeout SECONDS] FILE|FOLDER...\n"
+    "usage: ct600 validate [--xml] [--submission] FILE\n"
+    "       ct600 validate [--xml] [--submission] [--jobs N] [--timeout SECONDS] FILE|FOLDER...\n"
     "\n"
     "Build the message the return in FILE (JSON or return XML) would be filed\n"
     "in, and print every error HMRC's service would reject it for, one a line\n"
@@ -128,6 +131,10 @@ const char* const kValidateHelp =
     "        <Batch> holds an Errors element per return, its path in the\n"
     "        attribute file (and the problem in unreadable, for a return that\n"
     "        could not be read).\n"
+    "  --submission\n"
+    "        Check the full message that files the return ('ct600 message\n"
+    "        --submission'), so that the rules on its IRheader and its keys\n"
+    "        (5004, 5005) have something to check. No credentials are read.\n"
     "%s"
     "\n"
     "%s"
@@ -158,13 +165,29 @@ const char* const kReportHelp =
     "exit status: 0 done, 2 unreadable or malformed input, or bad usage.\n";
 
 const char* const kMessageHelp =
-    "usage: ct600 message FILE\n"
+    "usage: ct600 message [--submission [--test] [--password-stdin]] [-o OUT] FILE\n"
     "\n"
     "Print the GovTalkMessage that validation builds from the box map in FILE\n"
     "(JSON or return XML): the message template ctv3_16.xml filled from the\n"
     "boxes, with the attachments.\n"
     "\n"
     "options:\n"
+    "  --submission\n"
+    "        The message that files the return with HMRC instead: the same\n"
+    "        return inside the full GovTalk envelope (class HMRC-CT-CT600),\n"
+    "        with its IRheader and IRmark. The sender id, password and vendor\n"
+    "        id come from the environment variables CT600_SENDER_ID,\n"
+    "        CT600_SENDER_PASSWORD and CT600_VENDOR_ID; one that is missing\n"
+    "        leaves its element empty and is said on standard error.\n"
+    "  --test\n"
+    "        With --submission: for HMRC's test service (GatewayTest 1).\n"
+    "  --password-stdin\n"
+    "        With --submission: the password is the first line of standard\n"
+    "        input, not CT600_SENDER_PASSWORD.\n"
+    "  -o OUT\n"
+    "        Write the message to OUT (default: standard output), through a\n"
+    "        temporary file beside it; with --submission OUT is readable by\n"
+    "        its owner only.\n"
     "  --help\n"
     "        Show this text.\n"
     "\n"
@@ -358,11 +381,13 @@ int commandCalc(const std::vector<std::string>& argv) {
 
 int commandValidate(const std::vector<std::string>& argv) {
     bool xml = false;
+    bool submission = false;
     BatchOptions batch;
     std::vector<std::string> paths;
     for (Args args(argv); args.next();) {
         const std::string& a = args.current();
         if (a == "--xml") xml = true;
+        else if (a == "--submission") submission = true;
         else if (a == "--help") return showHelp(kValidateHelp);
         else if (batch.take(args)) continue;
         else if (isOption(a)) throw InputError{"unknown option " + a + " (see 'ct600 validate --help')"};
@@ -370,9 +395,10 @@ int commandValidate(const std::vector<std::string>& argv) {
     }
     if (paths.empty()) throw InputError{"validate needs a file"};
     requireTemplate();
+    const auto validate = submission ? runValidateSubmission : runValidate;
 
     if (!isBatch(paths)) {
-        const ValidateRun run = runValidate(paths[0], xml);
+        const ValidateRun run = validate(paths[0], xml, "");
         std::fputs(run.text.c_str(), stdout);
         return run.errorsFound ? kExitErrorsFound : kExitOk;
     }
@@ -390,7 +416,7 @@ int commandValidate(const std::vector<std::string>& argv) {
     const auto task = [&](const InputFile& file) {
         FileResult result;
         try {
-            const ValidateRun run = runValidate(file.path, xml, xml ? file.path : std::string());
+            const ValidateRun run = validate(file.path, xml, xml ? file.path : std::string());
             result.status = run.errorsFound ? FileStatus::Errors : FileStatus::Clean;
             if (xml) {
                 result.out = run.text;
@@ -439,15 +465,34 @@ int commandReport(const std::vector<std::string>& argv) {
     return kExitOk;
 }
 
-int commandMessage(const std::vector<std::string>& args) {
-    if (args.size() == 1 && args[0] == "--help") return showHelp(kMessageHelp);
-    if (args.size() != 1 || isOption(args[0])) throw InputError{"message takes one file"};
-    CMapStringToString boxes = loadBoxes(args[0]);
+int commandMessage(const std::vector<std::string>& argv) {
+    bool submission = false, test = false, passwordStdin = false;
+    std::string path, outPath;
+    for (Args args(argv); args.next();) {
+        const std::string& a = args.current();
+        if (a == "--help" && argv.size() == 1) return showHelp(kMessageHelp);
+        if (a == "--submission") submission = true;
+        else if (a == "--test") test = true;
+        else if (a == "--password-stdin") passwordStdin = true;
+        else if (a == "-o") outPath = args.value();
+        else if (isOption(a) || !path.empty()) throw InputError{"message takes one file (see 'ct600 message --help')"};
+        else path = a;
+    }
+    if (path.empty()) throw InputError{"message takes one file"};
+    if ((test || passwordStdin) && !submission) throw InputError{"--test and --password-stdin go with --submission"};
+    if (submission) {
+        SubmissionSettings settings = submissionCredentials(passwordStdin);
+        settings.test = test;
+        writeSubmission(path, settings, outPath);
+        return kExitOk;
+    }
+    CMapStringToString boxes = loadBoxes(path);
     const std::unique_ptr<CXMLVar> message(quick_govtalk(boxes));
     if (!message) throw InputError{"the message template ctv3_16.xml is missing from " + GetCTdir().str()};
     CString text;
     message->Save(text);
-    std::printf("%s\n", text.c_str());
+    if (outPath.empty() || outPath == "-") std::printf("%s\n", text.c_str());
+    else writeReplacing(outPath, text.str() + "\n", path);
     return kExitOk;
 }
 
