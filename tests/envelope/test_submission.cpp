@@ -356,6 +356,9 @@ TEST(SubmissionCommand, BadUseAndAnOutputOverTheReturnAreRefused) {
     const fs::path copy = fs::path(GetTempDir().str()) / "return.json";
     fs::copy_file(kSample, copy, fs::copy_options::overwrite_existing);
     const std::string before = readFile(copy.string());
+    const fs::path folder = fs::path(GetTempDir().str()) / "outputs";
+    fs::remove_all(folder);
+    fs::create_directories(folder / "a-folder");
     struct Case {
         std::string arguments;
         const char* message;
@@ -365,6 +368,7 @@ TEST(SubmissionCommand, BadUseAndAnOutputOverTheReturnAreRefused) {
         {"message --password-stdin " + kSample, "--test and --password-stdin go with --submission"},
         {"message --submission -o " + copy.string() + " " + copy.string(), "is the return being read"},
         {"message --submission -o", "-o needs a value"},
+        {"message --submission -o " + (folder / "a-folder").string() + " " + kSample, "cannot write"},
     };
     for (const Case& c : cases) {
         const CliOutcome o = RunCli(c.arguments, "CT600_SENDER_PASSWORD=x");
@@ -372,6 +376,8 @@ TEST(SubmissionCommand, BadUseAndAnOutputOverTheReturnAreRefused) {
         EXPECT_NE(o.out.find(c.message), std::string::npos) << c.arguments << "\n" << o.out;
     }
     EXPECT_EQ(readFile(copy.string()), before);
+    // The failed rename left no temporary file behind.
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder), fs::directory_iterator()), 1);
 }
 
 }  // namespace
