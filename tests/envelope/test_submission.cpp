@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -46,8 +45,9 @@ std::string submissionText(CMapStringToString boxes, const SubmissionSettings& s
 }
 
 std::string irmarkIn(const std::string& text) {
-    std::smatch m;
-    return std::regex_search(text, m, std::regex("<IRmark Type=\"generic\">([^<]*)</IRmark>")) ? m[1].str() : "";
+    const std::string open = "<IRmark Type=\"generic\">";
+    const std::size_t from = text.find(open), to = text.find("</IRmark>");
+    return from == std::string::npos || to == std::string::npos ? "" : text.substr(from + open.size(), to - from - open.size());
 }
 
 std::string run(const std::string& command) {
@@ -68,7 +68,11 @@ std::string irmarkByTools(const std::string& message) {
     if (open == std::string::npos || close == std::string::npos) return "no Body";
     std::string body = message.substr(open, close + 7 - open);
     body.replace(0, 6, "<Body xmlns=\"http://www.govtalk.gov.uk/CM/envelope\">");
-    body = std::regex_replace(body, std::regex("<IRmark[^>]*(/>|>[^<]*</IRmark>)"), "");
+    if (const std::size_t mark = body.find("<IRmark"); mark != std::string::npos) {
+        const std::size_t end = body.find('>', mark);
+        const std::size_t close = body[end - 1] == '/' ? end + 1 : body.find("</IRmark>", mark) + 9;
+        body.erase(mark, close - mark);
+    }
     const fs::path file = fs::path(GetTempDir().str()) / "body.xml";
     std::ofstream(file, std::ios::binary) << "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n" << body;
     std::string mark = run("xmllint --c14n " + file.string() + " | openssl dgst -sha1 -binary | base64");
