@@ -101,6 +101,8 @@ void requireTemplate();
 // recorded on that document's root and the XML declaration left out, so that
 // documents of several files can stand side by side in one.
 ValidateRun runValidate(const std::string& path, bool xml, const std::string& fileAttribute = "");
+// The lines (or the Errors document) of a finished validation, texts as UTF-8.
+ValidateRun validateRunOf(CXMLVar& errors, bool xml, const std::string& fileAttribute);
 
 // ---- temporary folders
 

@@ -419,10 +419,7 @@ void requireTemplate() {
                          " (set CT600_TEMPLATE_DIR to the folder that holds the templates)"};
 }
 
-ValidateRun runValidate(const std::string& path, bool xml, const std::string& fileAttribute) {
-    CMapStringToString boxes = loadBoxes(path);
-    CXMLVar errors("Errors");
-    do_validate(&boxes, &errors);
+ValidateRun validateRunOf(CXMLVar& errors, bool xml, const std::string& fileAttribute) {
     ValidateRun run;
     run.errorsFound = errors.GetChildCount() != 0;
     if (xml) {
@@ -437,6 +434,13 @@ ValidateRun runValidate(const std::string& path, bool xml, const std::string& fi
         }
     }
     return run;
+}
+
+ValidateRun runValidate(const std::string& path, bool xml, const std::string& fileAttribute) {
+    CMapStringToString boxes = loadBoxes(path);
+    CXMLVar errors("Errors");
+    do_validate(&boxes, &errors);
+    return validateRunOf(errors, xml, fileAttribute);
 }
 
 // ---------------------------------------------------------------- temporary folders

@@ -21,6 +21,7 @@
 #include "envelope/envelope.h"
 #include "output.h"
 #include "report.h"
+#include "submission.h"
 
 using namespace cli;
 
@@ -38,14 +39,16 @@ const char* const kUsage =
     "  calc [--entry NAME] [--json] [--all] [--report DIR] [-o OUT] FILE...\n"
     "        Recalculate returns: the tax chargeable, the boxes and the\n"
     "        calculator's errors, or the rebuilt return XML.\n"
-    "  validate [--xml] FILE...\n"
+    "  validate [--xml] [--submission] FILE...\n"
     "        Check returns against the business rules and the schema of the\n"
     "        form version the library targets.\n"
     "  report [--entry NAME] [-o OUT] FILE\n"
     "        Write the recalculated return and its worked computation as one\n"
     "        HTML page.\n"
     "  message FILE\n"
-    "        Print the GovTalkMessage that validation builds from a return.\n"
+    "        Print the GovTalkMessage that validation builds from a return;\n"
+    "        with --submission [--test], the full message that files it with\n"
+    "        HMRC.\n"
     "  entries\n"
     "        List every form entry with the calculator it runs.\n"
     "\n"
@@ -126,8 +129,8 @@ const char* const kCalcHelp =
     "usage; 129, 130, 143 ended by HUP, INT or TERM.\n";
 
 const char* const kValidateHelp =
-    "usage: ct600 validate [--xml] FILE\n"
-    "       ct600 validate [--xml] [--jobs N] [--timeout SECONDS] FILE|FOLDER...\n"
+    "usage: ct600 validate [--xml] [--submission] FILE\n"
+    "       ct600 validate [--xml] [--submission] [--jobs N] [--timeout SECONDS] FILE|FOLDER...\n"
     "\n"
     "Build the message the return in FILE (JSON or return XML) would be filed\n"
     "in, check it against the business rules and the schema of the form\n"
@@ -140,6 +143,10 @@ const char* const kValidateHelp =
     "        <Batch> holds an Errors element per return, its path in the\n"
     "        attribute file (and the problem in unreadable, for a return that\n"
     "        could not be read).\n"
+    "  --submission\n"
+    "        Check the full message that files the return ('ct600 message\n"
+    "        --submission'), so that the rules on its IRheader and its keys\n"
+    "        (5004, 5005) have something to check. No credentials are read.\n"
     "%s"
     "\n"
     "%s"
@@ -173,13 +180,29 @@ const char* const kReportHelp =
     "written, or bad usage; 129, 130, 143 ended by HUP, INT or TERM.\n";
 
 const char* const kMessageHelp =
-    "usage: ct600 message FILE\n"
+    "usage: ct600 message [--submission [--test] [--password-stdin]] [-o OUT] FILE\n"
     "\n"
     "Print the GovTalkMessage that validation builds from the box map in FILE\n"
     "(JSON or return XML): the message template ctv3_16.xml filled from the\n"
     "boxes, with the attachments.\n"
     "\n"
     "options:\n"
+    "  --submission\n"
+    "        The message that files the return with HMRC instead: the same\n"
+    "        return inside the full GovTalk envelope (class HMRC-CT-CT600),\n"
+    "        with its IRheader and IRmark. The sender id, password and vendor\n"
+    "        id come from the environment variables CT600_SENDER_ID,\n"
+    "        CT600_SENDER_PASSWORD and CT600_VENDOR_ID; one that is missing\n"
+    "        leaves its element empty and is said on standard error.\n"
+    "  --test\n"
+    "        With --submission: for HMRC's test service (GatewayTest 1).\n"
+    "  --password-stdin\n"
+    "        With --submission: the password is the first line of standard\n"
+    "        input, not CT600_SENDER_PASSWORD.\n"
+    "  -o OUT\n"
+    "        Write the message to OUT (default: standard output), through a\n"
+    "        temporary file beside it; with --submission OUT is readable by\n"
+    "        its owner only.\n"
     "  --help\n"
     "        Show this text.\n"
     "\n"
@@ -441,17 +464,21 @@ std::string withFileAttribute(std::string saved, const std::string& path) {
 
 int commandValidate(const std::vector<std::string>& argv) {
     bool xml = false;
+    bool submission = false;
     BatchOptions batch;
     std::vector<std::string> paths;
     const std::vector<Option> table =
-        std::vector<Option>{{"--xml", false, [&](const std::string&) { xml = true; }}} + batch.options();
+        std::vector<Option>{{"--xml", false, [&](const std::string&) { xml = true; }},
+                            {"--submission", false, [&](const std::string&) { submission = true; }}} +
+        batch.options();
     if (!parseOptions(argv, table, "validate", paths)) return showHelp(kValidateHelp);
     if (paths.empty()) throw InputError{"validate needs a file"};
     requireTemplate();
+    const auto validate = submission ? runValidateSubmission : runValidate;
 
     if (!isBatch(paths)) {
         const PrivateTempDir folder("run");
-        const ValidateRun run = runValidate(paths[0], xml);
+        const ValidateRun run = validate(paths[0], xml, "");
         printOut(run.text);
         return run.errorsFound ? kExitErrorsFound : kExitOk;
     }
@@ -470,7 +497,7 @@ int commandValidate(const std::vector<std::string>& argv) {
     const auto task = [&](const InputFile& file) {
         FileResult result;
         try {
-            const ValidateRun run = runValidate(file.path, xml, xml ? kFilePlaceholder : std::string());
+            const ValidateRun run = validate(file.path, xml, xml ? kFilePlaceholder : std::string());
             result.status = run.errorsFound ? FileStatus::Errors : FileStatus::Clean;
             if (xml) {
                 result.out = withFileAttribute(run.text, file.path);
@@ -517,17 +544,34 @@ int commandReport(const std::vector<std::string>& argv) {
 }
 
 int commandMessage(const std::vector<std::string>& argv) {
+    bool submission = false, test = false, passwordStdin = false;
+    std::string outPath;
     std::vector<std::string> paths;
-    if (!parseOptions(argv, {}, "message", paths)) return showHelp(kMessageHelp);
+    const std::vector<Option> table = {
+        {"--submission", false, [&](const std::string&) { submission = true; }},
+        {"--test", false, [&](const std::string&) { test = true; }},
+        {"--password-stdin", false, [&](const std::string&) { passwordStdin = true; }},
+        {"-o", true, [&](const std::string& v) { outPath = v; }},
+    };
+    if (!parseOptions(argv, table, "message", paths)) return showHelp(kMessageHelp);
     if (paths.size() != 1) throw InputError{"message takes one file"};
+    if ((test || passwordStdin) && !submission) throw InputError{"--test and --password-stdin go with --submission"};
+    if (!outPath.empty() && outPath != "-") checkNotAnInput(outPath, paths);
     const PrivateTempDir folder("run");
+    if (submission) {
+        SubmissionSettings settings = submissionCredentials(passwordStdin);
+        settings.test = test;
+        writeSubmission(paths[0], settings, outPath);
+        return kExitOk;
+    }
     CMapStringToString boxes = loadBoxes(paths[0]);
     const std::unique_ptr<CXMLVar> message(quick_govtalk(boxes));
     if (!message) requireTemplate();
     if (!message) throw InputError{paths[0] + ": no message could be built from the return"};
     CString text;
     message->Save(text);
-    printOut(text.str() + "\n");
+    if (outPath.empty() || outPath == "-") printOut(text.str() + "\n");
+    else writeFileSafely(outPath, text.str() + "\n");
     return kExitOk;
 }
 

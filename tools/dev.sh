@@ -12,6 +12,7 @@ jobs=$(nproc 2>/dev/null || echo 2)
 
 install_missing() {  # install_missing [extra packages...]
     local wanted=(cmake make g++ binutils pkg-config libexpat1-dev nlohmann-json3-dev libgtest-dev googletest libbenchmark-dev
+                  libxml2-dev libssl-dev libxml2-utils openssl
                   "$@")
     local missing=()
     for pkg in "${wanted[@]}"; do

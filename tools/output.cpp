@@ -130,7 +130,7 @@ private:
 
 }  // namespace
 
-void writeFileSafely(const std::string& path, const std::string& text) {
+void writeFileSafely(const std::string& path, const std::string& text, bool ownerOnly) {
     const auto fail = [&path](int error) { throw InputError{"cannot write " + path + ": " + reason(error)}; };
     std::error_code ec;
     if (fs::is_directory(path, ec)) throw InputError{"cannot write " + path + ": it is a folder; give a file name"};
@@ -150,7 +150,9 @@ void writeFileSafely(const std::string& path, const std::string& text) {
     if (fd < 0) fail(errno);
     struct stat old {};
     mode_t mode;
-    if (stat(target.c_str(), &old) == 0) {
+    if (ownerOnly) {
+        mode = 0600;
+    } else if (stat(target.c_str(), &old) == 0) {
         mode = old.st_mode & 07777;
     } else {
         const mode_t mask = umask(0);

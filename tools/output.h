@@ -16,8 +16,9 @@ std::string reason(int error);
 // the disk and then renamed over path: on any failure the old file is as it
 // was, nothing is left under the final name and the temporary file is gone.
 // A new file gets the usual permissions, a replaced one keeps its own.
-// Throws InputError naming path and the reason.
-void writeFileSafely(const std::string& path, const std::string& text);
+// ownerOnly: readable by its owner alone, whatever the old file allowed (a
+// filing message holds a password). Throws InputError naming path and the reason.
+void writeFileSafely(const std::string& path, const std::string& text, bool ownerOnly = false);
 
 // Refuses (InputError) an output that is one of the inputs, through links
 // too. sameAllowed: the in-place recalculation of a return.

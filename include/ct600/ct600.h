@@ -75,6 +75,26 @@
 //   node held stays. Returns 1. Without the template there is nothing to check
 //   and no error at all, so a host must make sure the template is found.
 //
+// int ct600lib_submission(CMapStringToString* boxes, const char* senderId,
+//                         const char* password, const char* vendorId, int test,
+//                         CString* message)
+//   The message that files the return with HMRC's gateway: the return
+//   document exactly as do_validate builds it from the boxes (attachments
+//   included), inside the full GovTalk envelope 2.0 (class HMRC-CT-CT600,
+//   function submit, GatewayTest 1 when test is non-zero, else 0; SenderID and
+//   a clear-text Authentication/Value from senderId and password; the vendor
+//   id as ChannelRouting/Channel/URI; the tax reference as a UTR key), with an
+//   IRheader (the UTR key, the period end, GBP, Sender Company) and its IRmark
+//   filled in. message receives the text, ISO-8859-1, declared as such; the
+//   IRmark holds for exactly those bytes. The box map is only read.
+//   Credentials are never taken from the box map: a null or empty text leaves
+//   its element empty. The password stands only in Authentication/Value of the
+//   text given back; nothing is logged of it, and no file is written with it
+//   (the validation copy t.xml is written as do_validate writes it, without
+//   the envelope). The attachments are what do_validate places: fixed bodies
+//   of the right kind, not the files. Returns 1, or 0 with message emptied when
+//   the template is missing.
+//
 // void LiabilityCalc(CMapStringToString* boxes)
 //   A second-generation run (ct600_05) kept for what it leaves: the changed box
 //   map and the worked report. Its errors are dropped.
@@ -104,3 +124,8 @@
 #pragma once
 
 #include "entry/exports.h"
+
+// The filing message; see above.
+extern "C" CT600_EXPORT int ct600lib_submission(CMapStringToString* boxes, const char* senderId,
+                                                const char* password, const char* vendorId, int test,
+                                                CString* message);
