@@ -8,6 +8,7 @@
 #include "common/errors.h"
 #include "common/library.h"
 #include "entry/exports.h"
+#include "entry/module.h"
 
 namespace {
 
@@ -77,6 +78,9 @@ TEST_F(Frames, EveryEntryReturnsOneAndLeavesValidation) {
         EXPECT_EQ(doc.name, kCalcErrorsRoot) << entries[i].name;
     }
 }
+
+// Made at load, with its start-up run, before any entry is called.
+TEST(Module, TheApplicationObjectStandsFromLoad) { EXPECT_EQ(theApp.ProfileName(), "ardent.ini"); }
 
 TEST_F(Frames, NullArgumentsDoNotCrash) {
     EXPECT_EQ(ctv3_21(nullptr, nullptr, nullptr), 1);

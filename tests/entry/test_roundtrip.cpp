@@ -77,6 +77,7 @@ TEST_F(RoundTrip, FormAndTypeChooseTheCalculator) {
         const CXMLVar* boxes = tree->FindChild("Boxes");
         ASSERT_NE(boxes, nullptr);
         EXPECT_EQ(logged("CCT600_16Calc::Calc()"), c.thirdGeneration) << c.root << " " << (c.form ? c.form : "");
+        EXPECT_EQ(std::count(log.begin(), log.end(), "ctv3_16"), c.thirdGeneration ? 1 : 0) << "the frame logs once";
         EXPECT_EQ(boxes->FindChild("Q165") != nullptr, c.thirdGeneration);
         EXPECT_EQ(tree->FindChild(kCalcErrorsRoot) != nullptr, c.anyCalculation);
         EXPECT_EQ(boxes->FindChild("validation"), nullptr);

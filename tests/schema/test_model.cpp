@@ -211,7 +211,7 @@ TEST(Model, CompanyInformation) {
          {v("From", "2015-03-31", "must be greater than of equal to 2015-04-01")}},
         {"period starting on 1 April 2015", {set(CI + "PeriodCovered/From", "2015-04-01")}, {}},
         {"a start date in the text form", {set(CI + "PeriodCovered/From", "01/04/2023")},
-         {v("From", "01/04/2023", fails(kDate))}},
+         {v("From", "01/04/2023", fails(kDate)), v("From", "01/04/2023", "must be greater than of equal to 2015-04-01")}},
         {"an end date in the text form", {set(CI + "PeriodCovered/To", "31/03/2024")},
          {v("To", "31/03/2024", fails(kDate))}},
         {"period without its end", {drop(CI + "PeriodCovered/To")}, {"PeriodCovered: need at least 1 To"}},
