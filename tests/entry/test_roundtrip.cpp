@@ -146,6 +146,18 @@ TEST_F(RoundTrip, DoCalc2WorksOnTextAndSurvivesBadText) {
         EXPECT_EQ(boxes->FindChild("Q9"), nullptr);
         EXPECT_EQ(boxes->FindChild("Q165") != nullptr, c.hasQ165) << c.zxml;
     }
+    // Cut short: what Open kept is the return, prefix and all. Its boxes are
+    // read with the prefix blanked, so "validation" is a box like any other.
+    CMapStringToString map;
+    map["zxml"] = "<TF type=\"CT)A\" prefix=\"P\"><Boxes><form>ct600</form><Q5>0.000000</Q5>"
+                  "<validation>v</valiax=\"P\x1c>T0</Q5><s></TF>";
+    do_calc2(&map, nullptr, &map);
+    CXMLVar back("");
+    back.Open(map["zxml"]);
+    EXPECT_EQ(back.GetAttr("prefix"), "P");
+    std::string boxes;
+    for (const CXMLVar* box : back.GetChild("Boxes")->children) boxes += std::string(box->name) + "=" + box->value.c_str() + ";";
+    EXPECT_EQ(boxes, "form=ct600;validation=v;");
 }
 
 }  // namespace
