@@ -27,6 +27,8 @@ TEST(RuleDates, AddDuration) {
         {"2021-12-01", "-P9M1D", "2021-03-00"},
         {"2023-01-01", "P1Y2M3D", "2024-03-04"},
         {"2023-11-15", "P2M", "2024-01-15"},    // month above 12 wraps forward
+        {"2023-11-15", "P1M", "2023-12-15"},    // month exactly 12: no wrap
+        {"2024-03-31", "-P3M", "2023-12-31"},   // fy of 31 March 2024: back to month 0, wrapped
         {"2023-01-01", "", "2023-01-01"},
         {"", "-P3M", "-001-09-00"},             // no date: still a text, no failure
     };

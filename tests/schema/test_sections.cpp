@@ -2,7 +2,6 @@
 // the supplementary pages, on a valid return with one fault per case.
 #include <gtest/gtest.h>
 
-#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -153,41 +152,6 @@ void runCases(const std::vector<SectionCase>& cases) {
 TEST(Sections, TheValidReturnGivesNoErrors) {
     auto doc = parse(kValidReturn);
     EXPECT_EQ(walk(doc.get()), std::vector<std::string>{});
-}
-
-// The whole table: rows and pairs, the pairs that stand more than once, and
-// the tests that two pairs share.
-TEST(Sections, TheTableHasItsRowsAndPairs) {
-    const auto& rows = ReturnSchema().Rows();
-    std::map<std::pair<std::string, std::string>, int> count;
-    for (const auto& r : rows) ++count[{r.parent.str(), r.element.str()}];
-    EXPECT_EQ(rows.size(), 443u);
-    EXPECT_EQ(count.size(), 428u);
-    std::map<std::pair<std::string, std::string>, int> repeated;
-    for (const auto& [pair, n] : count)
-        if (n > 1) repeated[pair] = n;
-    const std::map<std::pair<std::string, std::string>, int> expected = {
-        {{"Details", "Profit"}, 2}, {{"Details", "TaxRate"}, 2}, {{"Details", "Tax"}, 2},
-        {{"Declaration", "AcceptDeclaration"}, 2}, {{"Declaration", "Name"}, 2}, {{"Declaration", "Status"}, 2},
-        {{"AttachedFiles", "Attachment"}, 2}, {{"Loan", "Name"}, 3}, {{"Loan", "AmountRepaid"}, 2},
-        {{"Loan", "AmountReleasedOrWrittenOff"}, 2}, {{"Loan", "Date"}, 2}, {{"Company", "Name"}, 2},
-        {{"Company", "AccountingPeriod"}, 2}, {{"Company", "TaxReference"}, 2},
-    };
-    EXPECT_EQ(repeated, expected);
-    const auto same = [](const char* p1, const char* e1, const char* p2, const char* e2) {
-        const auto a = ReturnSchema().Find(p1, e1), b = ReturnSchema().Find(p2, e2);
-        return !a.empty() && !b.empty() && *a[0]->test == *b[0]->test;
-    };
-    EXPECT_TRUE(same("FinancialYearOne", "Year", "FinancialYearTwo", "Year"));
-    EXPECT_TRUE(same("Reference", "Namespace", "Reference", "TopElementName"));
-    EXPECT_FALSE(same("LoansInformation", "TotalLoans", "LoanLaterReliefNow", "TotalLoans"));
-    // Elements of a named type, and what only its parent counts, have no rows.
-    for (const auto& [p, e] : std::vector<std::pair<const char*, const char*>>{
-             {"MachineryAndPlantMainPool", "BalancingCharges"}, {"Loans", "Arising"}, {"Address", "AdditionalLine"},
-             {"LoansByCloseCompanies", "LoansInformation"}, {"TonnageTax", "TonnageTax"}, {"Insurance", "Declaration"},
-             {"AddressOfRecipient", "Line"}, {"AccountingPeriod", "From"}, {"XBRLsubmission", "Accounts"},
-             {"Computation", "Instance"}})
-        EXPECT_TRUE(ReturnSchema().Find(p, e).empty()) << p << ", " << e;
 }
 
 TEST(Sections, TaxCalculation) {
