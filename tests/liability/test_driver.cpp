@@ -65,6 +65,10 @@ TEST(CTcharge16, ResultsByScenario) {
          "2010", "100000", "28", "", "", "", "22250.00"},
         {"only other profit: main rate on nothing", {"01/04/2010", "31/03/2011", "0", "50000"},
          "2010", "0", "28", "", "", "", "0.00"},
+        // 90 of 365 days in FY2017: 90 x 1,000.50 / 365 = 246.70, so 247 x 19% = 46.93; the second year
+        // takes the rest, 753.50 x 19% = 143.165, to the nearest penny 143.17: 190.10 in all.
+        {"pence in the profit: each year's tax to the nearest penny", {"01/01/2018", "31/12/2018", "1000.50"},
+         "2017", "247", "19", "2018", "754", "19", "190.10"},  // Q385 shows 753.50 by "%.0f"
         {"associated-company boxes are not read", {"01/04/2010", "31/03/2011", "400000", "", "", "", "", "2"},
          "2010", "400000", "28", "", "", "", "92750.00"},
     };
