@@ -157,52 +157,19 @@ TEST_F(Catalogue, ShapeOfTheCatalogueAndItsMessages) {
 // The rules marked with a dagger test completion through the logging or: one
 // line each time the test gets that far, and no line when it stops before.
 TEST_F(Catalogue, DaggerRulesLogWhenTheyReachTheirTest) {
-    const struct {
-        const char* base;
-        Edits edits;
-        std::vector<std::string> lines;
-    } runs[] = {
-        {kCleanReturn, {}, {
-             "operator|| (bool) on 0, returns 0",          // 9965: no reason for no computations
-             "operator|| (bool) on 0,44000.00 returns 1",  // 9321 on NetProfits
-             "operator|| (bool) on 0,44000.00 returns 1",  // 9326 on PropertyBusinessIncome
-             "operator|| (bool) on 0,44000.00 returns 1",  // 9331 on NetChargeableGains
-             "operator|| (bool) on 0,8000.00 returns 1",   // 9348 on TaxPayable, Box 510 filled
-         }},
-        {kCleanReturn,
-         {drop("AttachedFiles/XBRLsubmission/Accounts"), set("ReturnInfoSummary/Accounts/NoAccountsReason", "Company dormant"),
-          set("ReturnInfoSummary/Computations/NoComputationsReason", "Company dormant"),
-          set("CompanyTaxCalculation/Income/Trading/NetProfits", "0.00"), set("CompanyTaxCalculation/Income/PropertyBusinessIncome", "0.00"),
-          set("CompanyTaxCalculation/ChargeableGains/NetChargeableGains", "0.00")}, {
-             "operator|| (bool) on 0,Company dormant returns 1",  // 9113
-             "operator|| (bool) on 0,Company dormant returns 1",  // 9965
-             "operator|| (bool) on 0,8000.00 returns 1",          // 9348
-         }},
-        {kAllPages, {}, {
-             "operator|| (bool) on 0,197346.00 returns 1",  // 9321
-             "operator|| (bool) on 0,197346.00 returns 1",  // 9322
-             "operator|| (bool) on 0,197346.00 returns 1",  // 9326
-             "operator|| (bool) on 0,197346.00 returns 1",  // 9327
-             "operator|| (bool) on 0,197346.00 returns 1",  // 9331
-             "operator|| (bool) on 0,56000.00 returns 1",   // 9348
-             "operator|| (bool) on 0, returns 1",           // 9518 on the ClaimAuthorisation section
-         }},
-        // 9344 and 9346 reach their completion test only when their total is out.
-        {kAllPages,
-         {set("CompanyTaxCalculation/Income/Trading/NetProfits", "0.00"), set("CompanyTaxCalculation/Income/NonTradingLoanProfitsAndGains", "0.00"),
-          set("CompanyTaxCalculation/Income/PropertyBusinessIncome", "0.00"), set("CompanyTaxCalculation/Income/TonnageTaxProfits", "0.00"),
-          set("CompanyTaxCalculation/ChargeableGains/NetChargeableGains", "0.00"), drop("CalculationOfTaxOutstandingOrOverpaid/NetCorporationTaxLiability"),
-          set("CalculationOfTaxOutstandingOrOverpaid/TaxChargeable", "1.00"), set("CalculationOfTaxOutstandingOrOverpaid/IncomeTax/TaxRepayable", "0.00"), drop("GroupAndConsortium/ClaimToGroupRelief/ClaimAuthorisation")}, {
-             "operator|| (bool) on 0, returns 0",       // 9344
-             "operator|| (bool) on 0,1.00 returns 1",   // 9346
-             "operator|| (bool) on 0,1.00 returns 1",   // 9348
-             "operator|| (bool) on 0, returns 0",       // 9518
-         }},
-    };
-    for (const auto& run : runs) {
+    std::ifstream in(CT600_SOURCE_DIR "/tests/data/rule_dagger_runs.txt");
+    std::vector<std::pair<std::string, std::vector<std::string>>> runs;  // "base<TAB>edits", log lines
+    for (std::string line; std::getline(in, line);) {
+        if (line.rfind("= ", 0) == 0) runs.push_back({line.substr(2), {}});
+        else if (line.rfind("> ", 0) == 0) runs.back().second.push_back(line.substr(line.find('\t') + 1));
+    }
+    ASSERT_EQ(runs.size(), 4u);
+    for (const auto& [run, lines] : runs) {
+        const std::size_t tab = run.find('\t');
         LogCapture log;
-        runWith(run.edits, run.base);
-        EXPECT_EQ(log.lines, run.lines);
+        runWith(decodeAll(tab == std::string::npos ? "" : run.substr(tab + 1)),
+                run.substr(0, tab) == "all" ? kAllPages : kCleanReturn);
+        EXPECT_EQ(log.lines, lines) << run;
     }
 }
 
