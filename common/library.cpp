@@ -157,8 +157,10 @@ int isPositiveInteger(const char* text) {
 namespace {
 
 // The amount in millionths, rounded, so that a value stored a hair below a
-// half (2.675 is 2.67499999...) counts as the half it was typed as. Beyond a
-// billion the step would lose more than it mends and is skipped.
+// half (2.675 is 2.67499999...) counts as the half it was typed as: what the
+// calculators' roundings do at halves is theirs to settle, and this settles
+// it. The rules' Round is the plain nearest whole number and skips it. Beyond
+// a billion the step would lose more than it mends and is skipped.
 double toMicros(double value) {
     const double micros = value * 1e6;
     return std::fabs(value) < 1e9 ? std::round(micros) : micros;

@@ -7,7 +7,7 @@
 
 class CCt600App {
 public:
-    CCt600App();
+    CCt600App() = default;  // no application name
     // Sets the profile name; the module never opens the profile itself.
     int InitInstance();
     const CString& ProfileName() const noexcept { return m_pszProfileName; }
@@ -16,6 +16,8 @@ private:
     CString m_pszProfileName;
 };
 
+// Built at load; its InitInstance has run by the time any entry is called.
+extern CCt600App theApp;
 CCt600App& TheApp();
 ModuleState* ThisModuleState() noexcept;
 

@@ -23,10 +23,7 @@ void writeBoxes(CXMLVar* boxesNode, const CMapStringToString& map) {
 }
 
 FormEntry chooseEntry(const CString& tt, const CString& type, const CString& nodeName) {
-    if (tt == "ctv3") {
-        DoLogF("ctv3_16");
-        return &ctv3_16;
-    }
+    if (tt == "ctv3") return &ctv3_16;  // its frame writes the log line
     if (type.IsEmpty() && nodeName == "TF") return &_cta_04;
     if (type == "CTA") return &_cta_04;
     return nullptr;

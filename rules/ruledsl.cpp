@@ -24,13 +24,12 @@ int toInt(double x) {
     return static_cast<int>(x);
 }
 
-// Days of a date or duration text: the seconds over a day, rounded down, so
-// that noon of each day has its own number on both sides of 1970.
+// Days of a date or duration text: the seconds over a day, truncated as a
+// whole-number division truncates, so the noons of 31 December 1969 and of
+// 1 January 1970 share day 0, as the published rules have it.
 double dayNumber(const CString& text) {
     const std::int64_t seconds = DateSeconds(NormalizeSpace(text));
-    std::int64_t days = seconds / 86400;
-    if (seconds % 86400 != 0 && seconds < 0) --days;
-    return Round(static_cast<double>(days));
+    return Round(static_cast<double>(seconds / 86400));
 }
 
 }  // namespace

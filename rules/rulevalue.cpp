@@ -95,7 +95,14 @@ bool Not(bool value) { return !value; }
 bool Not(const CRuleValue& value) { return !value.IsTrue(); }
 double Abs(double value) { return value < 0 ? -value : value; }
 double Floor(double value) { return std::floor(value); }
-double Round(double value) { return roundnearest(value); }
+// The nearest whole number, halves up, straight from the double: the rules
+// hold a penny tolerance against it, so no millionth step may come first.
+// Nothing that is not finite has a nearest whole number; it counts as 0.
+double Round(double value) {
+    if (!std::isfinite(value)) return 0.0;
+    const double r = std::round(value);
+    return r == 0.0 ? 0.0 : r;
+}
 CString String(const CRuleValue& value) { return value.Text(); }
 
 CString NormalizeSpace(const CString& text) {

@@ -2,7 +2,9 @@
 #include "schema/checks.h"
 
 #include <charconv>
-#include <cmath>
+#include <locale.h>
+#include <stdlib.h>
+#include <cstdlib>
 #include <cstring>
 #include <string_view>
 
@@ -15,33 +17,11 @@ const CString& valueOf(const CXMLVar* node) {
     return node ? node->value : none;
 }
 
-// A number as atof reads it (leading blanks, an optional sign, as much of a
-// number as stands at the front, 0 when there is none), but always with a
-// point for decimals whatever locale the host process has set.
-double number(std::string_view text) {
-    std::size_t i = 0;
-    while (i < text.size() && (text[i] == ' ' || text[i] == '\t' || text[i] == '\n' || text[i] == '\r' ||
-                               text[i] == '\f' || text[i] == '\v'))
-        ++i;
-    bool negative = false;
-    if (i < text.size() && (text[i] == '+' || text[i] == '-')) {
-        negative = text[i] == '-';
-        ++i;
-    }
-    // from_chars would take a second sign; atof doesn't.
-    if (i < text.size() && (text[i] == '+' || text[i] == '-')) return 0.0;
-    double value = 0.0;
-    const char* first = text.data() + i;
-    const auto [end, error] = std::from_chars(first, text.data() + text.size(), value);
-    if (end == first) return 0.0;
-    if (error == std::errc::result_out_of_range) {
-        // atof gives infinity for a huge number and zero for a tiny one; so does this.
-        const std::string_view digits(first, static_cast<std::size_t>(end - first));
-        const std::size_t e = digits.find_first_of("eE");
-        const bool tiny = e != std::string_view::npos && e + 1 < digits.size() && digits[e + 1] == '-';
-        value = tiny ? 0.0 : HUGE_VAL;
-    }
-    return negative ? -value : value;
+// A number as the standard atof reads it (hexadecimal, infinity and nan
+// included), with a point for decimals whatever locale the host has set.
+double number(const char* text) {
+    static const locale_t c = newlocale(LC_NUMERIC_MASK, "C", static_cast<locale_t>(nullptr));
+    return c ? strtod_l(text, nullptr, c) : std::strtod(text, nullptr);
 }
 
 // yyyy-mm-dd, digits where the form has them.
@@ -55,18 +35,15 @@ bool dateForm(std::string_view text) {
 }
 
 // How a value stands to a limit: -1 below, 0 equal, 1 above; 2 when no order
-// is known. A limit that is a date compares as a date, which for two texts of
-// the form yyyy-mm-dd is their byte order; a value that is no such date has
-// failed the pattern of its type already and is not ordered. Any other pair
-// compares as numbers, and a value that is not a number (nan) is not ordered.
-int order(std::string_view value, std::string_view limit) {
-    if (dateForm(limit)) {
-        if (!dateForm(value)) return 2;
-        const int c = value.compare(limit);
+// is known (a nan). A limit that is a date compares the two texts byte by
+// byte, whatever shape the value has; any other pair compares as numbers.
+int order(const CString& value, const CString& limit) {
+    if (dateForm(limit.view())) {
+        const int c = std::strcmp(value.c_str(), limit.c_str());
         return c < 0 ? -1 : c > 0 ? 1 : 0;
     }
-    const double v = number(value);
-    const double l = number(limit);
+    const double v = number(value.c_str());
+    const double l = number(limit.c_str());
     if (v < l) return -1;
     if (v > l) return 1;
     if (v == l) return 0;
@@ -124,23 +101,22 @@ void checkpattern(const char* pattern, const char* label, CXMLVar* node, CXMLVar
 void checkmaxinclusive(const char* limit, const char* label, CXMLVar* node, CXMLVar* errors) {
     if (!node) return;
     const CString l(limit);
-    if (order(node->value.view(), l.view()) == 1)
+    if (order(node->value, l) == 1)
         valueError(label, node, errors, "must be less than or equal to " + l);
 }
 
 void checkmininclusive(const char* limit, const char* label, CXMLVar* node, CXMLVar* errors) {
     if (!node) return;
     const CString l(limit);
-    if (order(node->value.view(), l.view()) == -1)
+    if (order(node->value, l) == -1)
         valueError(label, node, errors, "must be greater than of equal to " + l);
 }
 
 void checkminexclusive(const char* limit, const char* label, CXMLVar* node, CXMLVar* errors) {
     if (!node) return;
     const CString l(limit);
-    const int o = order(node->value.view(), l.view());
-    // Only a value known to be above passes; one that isn't a number at all doesn't.
-    if (o != 1 && !(o == 2 && dateForm(l.view()))) valueError(label, node, errors, "must be greater than " + l);
+    // Only a value known to be above passes; a nan doesn't.
+    if (order(node->value, l) != 1) valueError(label, node, errors, "must be greater than " + l);
 }
 
 void checkinteger(const char* label, CXMLVar* node, CXMLVar* errors) {

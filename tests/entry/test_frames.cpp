@@ -8,6 +8,7 @@
 #include "common/errors.h"
 #include "common/library.h"
 #include "entry/exports.h"
+#include "entry/module.h"
 
 namespace {
 
@@ -54,15 +55,6 @@ TEST_F(Frames, EachFrameKindWritesItsOwnLogLine) {
     }
 }
 
-TEST_F(Frames, ThirdGenerationFramesLogTheirLineThenTheCalculators) {
-    CMapStringToString boxes, result;
-    CString prefix;
-    ctv3_22(&boxes, &prefix, &result);
-    ASSERT_GE(log.size(), 2u);
-    EXPECT_EQ(log[0], "ctv3_22 *******");
-    EXPECT_EQ(log[1], "CCT600_16Calc::Calc()");
-}
-
 TEST_F(Frames, EveryEntryReturnsOneAndLeavesValidation) {
     int count = 0;
     const FormEntryInfo* entries = FormEntries(&count);
@@ -78,22 +70,12 @@ TEST_F(Frames, EveryEntryReturnsOneAndLeavesValidation) {
     }
 }
 
+// Made at load, with its start-up run, before any entry is called.
+TEST(Module, TheApplicationObjectStandsFromLoad) { EXPECT_EQ(theApp.ProfileName(), "ardent.ini"); }
+
 TEST_F(Frames, NullArgumentsDoNotCrash) {
     EXPECT_EQ(ctv3_21(nullptr, nullptr, nullptr), 1);
     EXPECT_EQ(ct600_02(nullptr, nullptr, nullptr), 1);
-}
-
-TEST_F(Frames, ATextDateBecomesNoonOfThatDay) {
-    struct Case {
-        const char* text;
-        const char* day;
-    };
-    const Case cases[] = {{"05/04/2016", "05/04/2016"}, {"1/4/15", "01/04/2015"}, {"31/03/2099", "31/03/2099"}};
-    for (const auto& c : cases) {
-        const CTime t = AtoT(c.text);
-        EXPECT_EQ(t.Format("%d/%m/%Y"), c.day);
-        EXPECT_EQ(t.GetHour(), 12);
-    }
 }
 
 class ProfitBlock : public Frames {

@@ -1,6 +1,8 @@
 // The third-generation driver: from Q315 and the period to Q70 and the rate lines.
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -29,51 +31,26 @@ CMapStringToString charge(const Inputs& in, CMapStringToString* boxesOut = nullp
     return results;
 }
 
+// Cases in tests/data/charge16_cases.tsv, with the working where it isn't plain.
 TEST(CTcharge16, ResultsByScenario) {
-    struct Case {
-        const char* why;
-        Inputs in;
-        const char *q330, *q335, *q340, *q380, *q385, *q390, *q70;
-    };
-    const Case cases[] = {
-        {"straddle of 1 April 2014", {"01/01/2014", "31/12/2014", "400000"},
-         "2013", "98630", "23", "2014", "301370", "21", "81866.45"},
-        {"distributions matched, tax raised", {"01/04/2004", "31/03/2005", "30000", "", "10000"},
-         "2004", "30000", "19", "", "", "", "5066.00"},
-        {"tiny distributions can't lower the tax", {"01/04/2004", "31/03/2005", "30000", "", "0.02"},
-         "2004", "30000", "19", "", "", "", "4750.00"},
-        {"distributions of 0.005: tax unchanged", {"01/04/2004", "31/03/2005", "30000", "", "0.005"},
-         "2004", "30000", "19", "", "", "", "4750.00"},
-        {"effective rate of exactly 19: no matching", {"01/04/2004", "31/03/2005", "200000", "", "50000"},
-         "2004", "200000", "19", "", "", "", "38000.00"},
-        {"2005/2006 straddle, distributions above the first year",
-         {"01/01/2006", "31/12/2006", "30000", "", "10000"},
-         "2005", "7397", "19", "2006", "22603", "19", "5782.52"},
-        {"2005/2006 straddle can fall below net", {"01/01/2006", "31/12/2006", "30000", "", "0.02"},
-         "2005", "7397", "19", "2006", "22603", "19", "5465.51"},
-        // 183 days in FY2011 (26%, 3/200): limits 300,000 x 183/365 = 150,410 and 1,500,000 x 183/365 = 752,054;
-        // 26% x 200,000 = 52,000.00 less 3/200 x (752,054 - 200,000) = 8,280.81.
-        {"short period scales the limits", {"01/04/2011", "30/09/2011", "200000"},
-         "2011", "200000", "26", "", "", "", "43719.19"},
-        {"open ended investment trust", {"01/04/2012", "31/03/2013", "100000", "", "", "1"},
-         "2012", "100000", "20", "", "", "", "20000.00"},
-        {"forced standard rate, T", {"01/04/2010", "31/03/2011", "100000", "", "", "", "T"},
-         "2010", "100000", "28", "", "", "", "28000.00"},
-        {"forced standard rate, yes", {"01/04/2010", "31/03/2011", "100000", "", "", "", "yes"},
-         "2010", "100000", "28", "", "", "", "28000.00"},
-        {"other profit counts for the limits only", {"01/04/2010", "31/03/2011", "100000", "250000"},
-         "2010", "100000", "28", "", "", "", "22250.00"},
-        {"only other profit: main rate on nothing", {"01/04/2010", "31/03/2011", "0", "50000"},
-         "2010", "0", "28", "", "", "", "0.00"},
-        {"associated-company boxes are not read", {"01/04/2010", "31/03/2011", "400000", "", "", "", "", "2"},
-         "2010", "400000", "28", "", "", "", "92750.00"},
-    };
-    for (const auto& c : cases) {
-        const CMapStringToString r = charge(c.in);
-        expectResults(r, {{"Q330", c.q330}, {"Q335", c.q335}, {"Q340", c.q340}, {"Q380", c.q380}, {"Q385", c.q385},
-                          {"Q390", c.q390}, {"Q70", c.q70}, {"Q42", ""}, {"Q435", ""}, {"Q66", ""}, {"Q68", ""},
-                          {"Q69", ""}, {"Q345", "<unset>"}}, c.why);
+    std::ifstream in(CT600_SOURCE_DIR "/tests/data/charge16_cases.tsv");
+    std::vector<std::string> keys;
+    int n = 0;
+    for (std::string line; std::getline(in, line);) {
+        std::vector<std::string> f;
+        std::stringstream cells(line);
+        for (std::string cell; std::getline(cells, cell, '\t');) f.push_back(cell);
+        f.resize(16);
+        if (line.rfind("# why", 0) == 0) keys = f;
+        if (line.empty() || line[0] == '#') continue;
+        const CMapStringToString r = charge({f[1].c_str(), f[2].c_str(), f[3].c_str(), f[4].c_str(), f[5].c_str(),
+                                             f[6].c_str(), f[7].c_str(), f[8].c_str()});
+        Texts expected = {{"Q42", ""}, {"Q435", ""}, {"Q66", ""}, {"Q68", ""}, {"Q69", ""}, {"Q345", "<unset>"}};
+        for (int k = 9; k < 16; ++k) expected.push_back({keys[k].c_str(), f[k].c_str()});
+        expectResults(r, expected, f[0].c_str());
+        ++n;
     }
+    EXPECT_EQ(n, 15);
 }
 
 TEST(CTcharge16, MatchingLeavesItsWorkingInTheTree) {

@@ -27,6 +27,8 @@ TEST(RuleDates, AddDuration) {
         {"2021-12-01", "-P9M1D", "2021-03-00"},
         {"2023-01-01", "P1Y2M3D", "2024-03-04"},
         {"2023-11-15", "P2M", "2024-01-15"},    // month above 12 wraps forward
+        {"2023-11-15", "P1M", "2023-12-15"},    // month exactly 12: no wrap
+        {"2024-03-31", "-P3M", "2023-12-31"},   // fy of 31 March 2024: back to month 0, wrapped
         {"2023-01-01", "", "2023-01-01"},
         {"", "-P3M", "-001-09-00"},             // no date: still a text, no failure
     };
@@ -137,7 +139,8 @@ TEST_F(DateNotation, FinancialYearsDaysAndSpans) {
         {"dayno of today", dayno(today()), "", "", 19996},
         {"dayno of a date", dayno("From"), "2024-09-30", "", 19996},
         {"dayno of 1 January 1970", dayno("From"), "1970-01-01", "", 0},
-        {"dayno keeps the day before 1970 apart", dayno("From"), "1969-12-31", "", -1},
+        {"dayno truncates: the day before 1970 is day 0 too", dayno("From"), "1969-12-31", "", 0},
+        {"dayno two days before 1970", dayno("From"), "1969-12-30", "", -1},
         {"day 0 of a month falls on the last day of the month before", dayno(plus("From", "-P9M1D")), "2021-12-01",
          "", 18686},
         {"dayno of that real day", dayno("From"), "2021-02-28", "", 18686},

@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <fstream>
+#include <sstream>
 #include <memory>
 #include <string>
 #include <utility>
@@ -80,5 +82,47 @@ inline std::vector<std::string> walk(CXMLVar* root) {
 
 // The failure text of a pattern, as the checks report it.
 inline std::string fails(const std::string& pattern) { return "does not match the pattern " + pattern; }
+
+
+// The cases of a file under tests/data/ (see schema_model_cases.txt), each
+// run on a fresh copy of the document: the walk gives exactly its errors.
+inline void runCaseFile(const std::string& document, const char* file) {
+    std::ifstream in(std::string(CT600_SOURCE_DIR "/tests/data/") + file, std::ios::binary);
+    struct Case {
+        std::string what;
+        std::vector<std::string> lines, expected;
+    };
+    std::vector<Case> cases;
+    const auto untab = [](std::string text) {
+        for (std::size_t i; (i = text.find("\\t")) != std::string::npos;) text.replace(i, 2, "\t");
+        return text;
+    };
+    for (std::string line; std::getline(in, line);) {
+        if (line.rfind("= ", 0) == 0) cases.push_back({line.substr(2), {}, {}});
+        else if (line.rfind("> ", 0) == 0) cases.back().expected.push_back(untab(line.substr(2)));
+        else if (!line.empty() && line[0] != '#') cases.back().lines.push_back(line);
+    }
+    ASSERT_FALSE(cases.empty()) << file;
+    for (const Case& c : cases) {
+        auto doc = parse(document);
+        for (const std::string& line : c.lines) {
+            std::vector<std::string> f;
+            std::stringstream cells(line);
+            for (std::string cell; std::getline(cells, cell, '\t');) f.push_back(cell);
+            f.resize(4);
+            if (f[0] == "copy") {
+                CXMLVar* node = at(doc.get(), f[1]);
+                ASSERT_NE(node, nullptr) << c.what;
+                for (int i = std::stoi(f[2]); i > 0; --i)
+                    node->parent->AddChild(new CXMLVar(node->name, node->value), node)->CloneChildren(node);
+                continue;
+            }
+            const Edit::Kind kind = f[0] == "set" ? Edit::Set : f[0] == "add" ? Edit::Add : f[0] == "drop" ? Edit::Drop
+                                  : f[0] == "rename" ? Edit::Rename : Edit::Attr;
+            apply(doc.get(), {kind, f[1], f[2], untab(f[3])});
+        }
+        EXPECT_EQ(walk(doc.get()), c.expected) << c.what;
+    }
+}
 
 }  // namespace schematest

@@ -70,7 +70,8 @@ TEST(Checks, LimitsCompareAsNumbers) {
     const std::string le = "must be less than or equal to ";
     const std::string ge = "must be greater than of equal to ";
     const std::string gt = "must be greater than ";
-    expectValues(maxPence, {{"99999999999.99", ""}, {"100000000000.00", le + "99999999999.99"}, {"-5.00", ""}});
+    expectValues(maxPence, {{"99999999999.99", ""}, {"100000000000.00", le + "99999999999.99"}, {"-5.00", ""},
+        {"0x1p40", le + "99999999999.99"}});  // atof reads hexadecimal: 2^40
     // not a number: counts as 0, and the type's decimal check has reported
     expectValues(maxPence, {{"abc", ""}, {"1e400", le + "99999999999.99"}, {"nan", ""}});
     // about fifteen digits: the two compare as equal
@@ -78,17 +79,18 @@ TEST(Checks, LimitsCompareAsNumbers) {
         {"2000000000000000000.00", le + "999999999999999999.00"}});
     expectValues(maxTen, {{"10", ""}, {"10.00", ""}, {"11", le + "10"}, {" 11", le + "10"}, {"9abc", ""}});
     expectValues(minZero, {{"0.00", ""}, {"-0.00", ""}, {"-0.01", ge + "0.00"}, {"--1", ""}, {"nan", ""}});
-    expectValues(aboveZero, {{"0.01", ""}, {"0.00", gt + "0.00"}, {"-1.00", gt + "0.00"}, {"abc", gt + "0.00"},
+    expectValues(aboveZero, {{"0.01", ""}, {"0.00", gt + "0.00"}, {"-1.00", gt + "0.00"}, {"abc", gt + "0.00"}, {"0x10", ""},
         {"nan", gt + "0.00"}});
 }
 
-// The one date limit compares as dates; a value that is no date has failed
-// its pattern and isn't ordered.
+// The one date limit compares the two texts, whatever shape the value has.
 TEST(Checks, ADateLimitComparesAsDates) {
     const Check fromApril2015 = [](CXMLVar* n, CXMLVar* e) { checkmininclusive("2015-04-01", "", n, e); };
     expectValues(fromApril2015, {{"2015-03-31", "must be greater than of equal to 2015-04-01"},
         {"2014-12-31", "must be greater than of equal to 2015-04-01"}, {"2015-04-01", ""}, {"2015-04-02", ""},
-        {"2024-01-01", ""}, {"01/04/2016", ""}, {"", ""}});
+        {"2024-01-01", ""}, {"1999", "must be greater than of equal to 2015-04-01"},
+        {"01.04.2014", "must be greater than of equal to 2015-04-01"},
+        {"01/04/2016", "must be greater than of equal to 2015-04-01"}, {"9", ""}});
 }
 
 TEST(Checks, NumbersAndYears) {

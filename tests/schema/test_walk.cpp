@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -108,68 +109,32 @@ TEST(Walk, AValidDocumentGivesNoErrors) {
     EXPECT_EQ(walk(doc.get()), std::vector<std::string>{});
 }
 
-struct WalkCase {
-    const char* what;
-    std::string xml;
-    std::vector<std::string> expected;
-};
-
 std::string body(const std::string& loans) { return "<Root><Body><Loans>" + loans + "<Notice><Attached>yes</Attached></Notice></Loans></Body></Root>"; }
 
 TEST(Walk, Dispatch) {
-    const std::string nameTooShort = "Name: value \"A\" - less than minimum 2 characters";
-    const std::vector<WalkCase> cases = {
-        {"a pair declared three times tests three times",
-         body("<Released><Loan><Name>A</Name><Date>2024-01-01</Date></Loan></Released>"),
-         {nameTooShort, nameTooShort, nameTooShort}},
-        {"wherever the pair stands",
-         body("<Trading><Loan><Name>A</Name></Loan></Trading>"),
-         {"Trading: Element Loan unexpected", nameTooShort, nameTooShort, nameTooShort}},
-        {"a child without a row of its own is never tested",
-         body("<Pool><BalancingCharges>letters</BalancingCharges><CapitalAllowances>x</CapitalAllowances></Pool>"),
-         {"Pool: Element CapitalAllowances unexpected"}},
-        {"the same name under two parents runs two different tests",
-         body("<Trade><Amount>1.00</Amount><Profits>no</Profits></Trade><Trading><Profits>no</Profits></Trading>"),
-         {"Profits: value \"no\" - must be \"yes\"", "Profits: value \"no\" - must be a decimal number",
-          "Profits: value \"no\" - does not match the pattern -?(([1-9][0-9]*)|0)\\.[0-9]{2}",
-          "Profits: value \"no\" - does not match the pattern .*\\.00"}},
-        {"accepted names pass the parent's check; others don't",
-         body("<Trade><Amount>1.00</Amount><Losses>yes</Losses><Other>1</Other></Trade>"),
-         {"Trade: Element Other unexpected"}},
-        {"a name in another case matches no row",
-         body("<Trade><amount>1.00</amount></Trade>"),
-         {"Trade: need at least 1 Amount", "Trade: Element amount unexpected"}},
-        {"errors follow document order, then the order of the checks",
-         body("<Trade><Amount>x</Amount></Trade><Trading><Profits>1.50</Profits></Trading>"),
-         {"Amount: value \"x\" - must be a decimal number",
-          "Amount: value \"x\" - does not match the pattern -?(([1-9][0-9]*)|0)\\.[0-9]{2}",
-          "Amount: value \"x\" - does not match the pattern .*\\.00",
-          "Profits: value \"1.50\" - does not match the pattern .*\\.00"}},
-        {"no children allowed, anything under no check",
-         body("<Nothing><A/></Nothing><Anything><B>1</B></Anything>"),
-         {"Nothing: Element A unexpected"}},
-        {"attributes are never examined",
-         "<Root xmlns=\"urn:x\"><Body a=\"1\"><Loans b=\"2\"><Notice c=\"3\"><Attached d=\"4\">yes</Attached></Notice>"
-         "</Loans></Body></Root>",
-         {}},
-        {"the sections of a body are counted by it",
-         "<Root><Body><Loans><Notice><Attached>yes</Attached></Notice></Loans><Loans><Notice><WillFollow>yes"
-         "</WillFollow></Notice></Loans><Stray/></Body></Root>",
-         {"Body: At most 1 Loans allowed", "Body: Element Stray unexpected"}},
-        {"a choice and its first child",
-         "<Root><Body><Loans><Notice><Other/><Attached>no</Attached></Notice></Loans></Body></Root>",
-         {"Notice: One of Attached, WillFollow expected", "Attached: value \"no\" - must be \"yes\""}},
-        {"a root is tested under the empty parent name", "<Lone>no</Lone>", {"Lone: value \"no\" - must be \"yes\""}},
-        {"a free table applies under any parent of its name",
-         "<Root><Name><Ttl>Major</Ttl></Name><Body><Name><Ttl>Dr</Ttl></Name></Body></Root>",
-         {"Ttl: value \"Major\" - greater than maximum 4 characters", "Body: Element Name unexpected"}},
-        {"the root's own name takes part in no pair; a root called like a child is not tested",
-         "<Name>x</Name>", {}},
+    std::ifstream in(CT600_SOURCE_DIR "/tests/data/schema_walk_cases.txt", std::ios::binary);
+    std::string what, xml;
+    std::vector<std::string> expected;
+    int n = 0;
+    const auto check = [&] {
+        if (what.empty()) return;
+        auto doc = parse(xml);
+        EXPECT_EQ(walk(doc.get()), expected) << what;
+        expected.clear();
+        ++n;
     };
-    for (const WalkCase& c : cases) {
-        auto doc = parse(c.xml);
-        EXPECT_EQ(walk(doc.get()), c.expected) << c.what;
+    for (std::string line; std::getline(in, line);) {
+        if (line.rfind("= ", 0) == 0) {
+            check();
+            what = line.substr(2);
+        } else if (line.rfind("> ", 0) == 0) {
+            expected.push_back(line.substr(2));
+        } else if (!line.empty() && line[0] != '#') {
+            xml = line;
+        }
     }
+    check();
+    EXPECT_EQ(n, 14);
 }
 
 TEST(Walk, NodesWithoutAParentOrAName) {
