@@ -13,6 +13,7 @@
 
 #include "batch.h"
 #include "cli.h"
+#include "common/current_law.h"
 #include "common/errors.h"
 #include "common/library.h"
 #include "entry/exports.h"
@@ -44,6 +45,12 @@ const char* const kUsage =
     "        Print the GovTalkMessage that validation builds from a return.\n"
     "  entries\n"
     "        List every form entry with the calculator it runs.\n"
+    "\n"
+    "calc, validate, message and report take --rates current: charge the\n"
+    "returns by current law (from FY2023 the 25% main rate, the 19% small\n"
+    "profits rate and marginal relief) unless a return's own box 'rates' says\n"
+    "otherwise; --rates default keeps the library's own ladder (19% from\n"
+    "FY2017 on). The environment variable CT600_RATES does the same.\n"
     "\n"
     "calc and validate take several files, or folders (their .json and .xml\n"
     "files at any depth), and then run them in parallel: --jobs N worker\n"
@@ -464,6 +471,29 @@ int commandEntries(const std::vector<std::string>& args) {
     return kExitOk;
 }
 
+// --rates WORD (or --rates=WORD) of calc, validate, message and report sets
+// the process's choice of law, which workers of a batch inherit; a return's
+// own box 'rates' still wins. Taken out of args before the command reads them.
+void takeRatesOption(std::vector<std::string>& args) {
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        std::string word;
+        if (args[i] == "--rates") {
+            if (i + 1 >= args.size()) throw InputError{"--rates needs a value: current or default"};
+            word = args[i + 1];
+            args.erase(args.begin() + static_cast<std::ptrdiff_t>(i), args.begin() + static_cast<std::ptrdiff_t>(i) + 2);
+        } else if (args[i].rfind("--rates=", 0) == 0) {
+            word = args[i].substr(8);
+            args.erase(args.begin() + static_cast<std::ptrdiff_t>(i));
+        } else {
+            continue;
+        }
+        if (word != kCurrentLawWord && word != "default")
+            throw InputError{"--rates takes current or default, not '" + word + "'"};
+        ::setenv("CT600_RATES", word.c_str(), 1);
+        --i;
+    }
+}
+
 // The calculator's errors are printed with the boxes; the error dialog stays quiet.
 void quietErrorSink(const CObList&, const CStringList*, void*) {}
 
@@ -479,6 +509,8 @@ int main(int argc, char** argv) {
     const std::string command = args[0];
     args.erase(args.begin());
     try {
+        if (command == "calc" || command == "validate" || command == "message" || command == "report")
+            takeRatesOption(args);
         if (command == "calc") return commandCalc(args);
         if (command == "validate") return commandValidate(args);
         if (command == "report") return commandReport(args);
