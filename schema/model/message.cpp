@@ -40,8 +40,9 @@ constexpr const Table* kReturnSectionList[] = {
 };
 extern const std::span<const Table* const> kReturnSections = kReturnSectionList;
 
-// The same sections for a return charged under current law.
-constexpr auto kReturnSectionListCurrentLaw = [] {
+// The same sections for a return charged under current law. Made at load
+// time: tables of other units have no address a constant may compare.
+const auto kReturnSectionListCurrentLaw = [] {
     std::array<const Table*, std::size(kReturnSectionList)> list{};
     for (std::size_t i = 0; i < list.size(); ++i)
         list[i] = kReturnSectionList[i] == &kCompanyTaxCalculation ? &kCompanyTaxCalculationCurrentLaw
@@ -62,7 +63,7 @@ constexpr Decl kMessageRows[] = {
     {2, "IRenvelope", notCounted, noTest},
     {3, "CompanyTaxReturn", notCounted, sectionsOf(kReturnSectionList)},
 };
-constexpr Decl kMessageRowsCurrentLaw[] = {
+const Decl kMessageRowsCurrentLaw[] = {
     {0, "GovTalkMessage", notCounted, noTest},
     {1, "Header", notCounted, noTest},
     {2, "MessageDetails", notCounted, noTest},
