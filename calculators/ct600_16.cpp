@@ -48,7 +48,15 @@ void CCT600_16Calc::Liability() {
     // blanks its box.
     CMapStringToString results;
     CTcharge_16(m_pBoxes, m_Prefix, &results);
+    // Under current law the driver also says whether Q329 is ticked; that
+    // box is computed like any other, so a user's entry stands.
+    CString tick;
+    const bool ticks = results.Lookup("Q329", tick);
+    if (ticks) results.RemoveKey("Q329");
     TakeOverResults(results);
+    if (!ticks) return;
+    const CString entered = GetBoxText("Q329");
+    if (entered.IsEmpty() || entered[entered.GetLength() - 1] != '!') WriteChanged("Q329", tick);
 }
 
 void CCT600_16Calc::TaxBlock() {

@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "common/current_law.h"
 #include "common/library.h"
 #include "entry/exports.h"
 #include "entry/module.h"
@@ -14,10 +15,12 @@
 CXMLVar* ValidateReturn(CMapStringToString& boxes) {
     auto* errors = new CXMLVar("Errors");
     CRuleContext context(nullptr, errors);
+    const RateLadder ladder = ChosenLadder(boxes);
+    context.m_CurrentLaw = ladder == RateLadder::CurrentLaw;
     // The message is always built from the one form, whatever year the boxes are.
     context.m_Root = quick_govtalk(&boxes, "ctv3_16");
     context.RunRules();
-    if (context.m_Root) schemawalk(context.m_Root, errors);
+    if (context.m_Root) schemawalk(context.m_Root, errors, ladder);
     delete context.m_Root;
     context.m_Root = nullptr;
     return errors;

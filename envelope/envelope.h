@@ -111,11 +111,21 @@ private:
 int attachfiles(const char* folder, CXMLVar** created, CMapStringToString& boxes, int readfiles,
                 CXMLVar* document);
 
+// ---------------------------------------------------------------- current law
+
+// Q326 to Q329 as CompanyTaxCalculation/CorporationTaxChargeable/
+// AssociatedCompanies, ahead of the financial years: ThisPeriod (Q326), or
+// AssociatedCompaniesFinancialYears with FirstYear and SecondYear when Q327
+// or Q328 is filled, then StartingOrSmallCompaniesRate for the tick of Q329.
+// Nothing when none of them says anything. Only current law has them.
+void AddAssociatedCompanies(CXMLVar* document, const CMapStringToString& boxes);
+
 // ---------------------------------------------------------------- the message
 
 // The GovTalkMessage for validation: the template named by form (form + ".xml",
 // in GetCTdir for names starting with "ct", else in GetQuillonDir) filled from
-// the boxes, with the attachments, under Body/IRenvelope. Also written to
+// the boxes, with the attachments, under Body/IRenvelope; under current law
+// (common/current_law.h) with the associated companies. Also written to
 // t.xml in the temporary folder. Null, with a log line, when the template is
 // missing. The caller owns the result.
 CXMLVar* quick_govtalk(CMapStringToString* boxes, CString form);

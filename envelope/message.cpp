@@ -7,6 +7,7 @@
 #include <mutex>
 #include <string>
 
+#include "common/current_law.h"
 #include "common/library.h"
 #include "common/outfile.h"
 #include "envelope/envelope.h"
@@ -80,6 +81,8 @@ CXMLVar* quick_govtalk(CMapStringToString* boxes, CString form) {
             document->DeleteChild(move);
         }
     }
+
+    if (UnderCurrentLaw(box)) AddAssociatedCompanies(document.get(), box);
 
     CXMLVar* created = nullptr;
     const int pdfPlaced = attachfiles("", &created, box, 0, document.get());

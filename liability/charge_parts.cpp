@@ -187,6 +187,7 @@ CString ChargeReportHtml(const ChargeRun& run) {
     CString out;
     if (!run.periodMessage.IsEmpty()) out += "<H2>" + run.periodMessage + "</H2>";
     out += "<H1>Corporation tax chargeable</H1>";
+    out += run.lawLine;
     out += run.yearBlock1;
     out += "<BR/>";
     out += run.yearBlock2;

@@ -42,6 +42,7 @@ struct ChargeRun {
     double ncdTax = 0, remaining = 0, nonNcdTax = 0;
 
     // report texts built up on the way
+    CString lawLine;  // under current law, the line that says so
     CString periodMessage;
     CString yearBlock1, yearBlock2, taxRows, reliefRows;
 };
@@ -50,6 +51,10 @@ struct ChargeRun {
 // first generation's report has its own wording.
 inline constexpr const char* kNoProfitLine = "x no profit";
 inline constexpr const char* kNoProfitLine02 = "no profit";
+// Heads calc.htm when the return is charged under current law.
+inline constexpr const char* kCurrentLawLine =
+    "<p><b>Rates: current law</b> (from FY2023 small profits rate, marginal relief and associated "
+    "companies: CTA 2010 ss18A-18N)</p>";
 
 // Result keys of the rate lines of the form: financial year, portion and rate
 // of each of the two years.

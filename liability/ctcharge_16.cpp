@@ -13,8 +13,11 @@ void CTcharge_16(CMapStringToString* boxes, CString prefix, CMapStringToString* 
 
     CXMLVar root("CTchargeable");
     ChargeRun run;
+    const bool currentLaw = UnderCurrentLaw(box);
     run.BasicProfit = myatof(box[prefix + "Q315"]);
-    run.OtherProfit = myatof(box[prefix + "Q38"]);
+    // Current law tests augmented profits against the limits: taxable total
+    // profits and the exempt distributions of Q620.
+    run.OtherProfit = myatof(box[prefix + (currentLaw ? "Q620" : "Q38")]);
     run.Profit = run.OtherProfit + run.BasicProfit;
     run.from = box["from"];
     run.to = box["to"];
@@ -27,29 +30,56 @@ void CTcharge_16(CMapStringToString* boxes, CString prefix, CMapStringToString* 
     CString typeLabel;
     run.type = CompanyType(box, typeLabel);
     AddProfitFigures(root, typeLabel, run);
+    if (currentLaw) {
+        root.AddChild("Rates", kCurrentLawWord);
+        run.lawLine = kCurrentLawLine;
+    }
     DoLogF("Ct600_16 prefix=%s profit=%f", prefix.c_str(), run.Profit);
 
     ReplaceFile report(TempFilePath("calc.htm"));
     if (run.Profit <= 0) {
         for (const char* key : {"Q330", "Q335", "Q340", "Q345"}) out[key] = "";
-        report << kNoProfitLine << std::endl;
+        if (currentLaw)
+            for (const char* key : {"Q329", "Q435"}) out[key] = "";
+        report << run.lawLine.str() << kNoProfitLine << std::endl;
         SaveChargeTree(root, out);
         return;
     }
 
     run.days = DaysBetween(run.from, run.to) + 1;
     CheckPeriodLength(run, "Error: return period cannot exceed 12 months");
-    // The third generation has no boxes for associated companies.
-    ChargeYears(run, &root, kYearRules16, 0, 0);
-    SettleTotals(run, &root);
-    run.ncd = myatof(box[prefix + "Q67"]);
-    MatchDistributions(run, root);
+    if (!currentLaw) {
+        // The form of the default ladder has no boxes for associated companies.
+        ChargeYears(run, &root, kYearRules16, 0, 0);
+        SettleTotals(run, &root);
+        run.ncd = myatof(box[prefix + "Q67"]);
+        MatchDistributions(run, root);
+    } else {
+        YearRules rules = kYearRules16;
+        rules.ladder = RateLadder::CurrentLaw;
+        ChargeYears(run, &root, rules, AssociatedCompaniesInYear(box, prefix, false),
+                    AssociatedCompaniesInYear(box, prefix, true));
+        // Distributions are no longer matched to profits (that ended in 2006).
+        SettleTotals(run, &root);
+    }
     root.AddChild("Total", fmt2(run.chargeable));
 
     out["Q70"] = fmt2(run.chargeable);
     // The relief reaches Q70 but not the form's rows, which the calculator
     // works as amount times rate; the second generation's boxes stay empty.
     for (const char* key : {"Q42", "Q435", "Q66", "Q68", "Q69"}) out[key] = "";
+    if (currentLaw) {
+        // The current form carries the relief in Q435, so Q440 = Q430 - Q435
+        // is the tax after it, and ticks Q329 for a company that paid the
+        // small profits rate or had relief in either year.
+        if (run.relief > 0) out["Q435"] = fmt2(run.relief);
+        const auto atSmallProfitsRate = [](bool charged, int fy, double rate) {
+            return charged && SmallProfitsRate(fy) > 0 && rate == SmallProfitsRate(fy);
+        };
+        const bool smallProfits =
+            atSmallProfitsRate(run.year1, run.FY1, run.rate1) || atSmallProfitsRate(run.year2, run.FY2, run.rate2);
+        out["Q329"] = smallProfits || run.relief > 0 ? "yes" : "";
+    }
     DoLogF("doing ct comp- %d", run.FY1);
     SetRateLines(run, {"Q330", "Q335", "Q340", "Q380", "Q385", "Q390"}, out);
 

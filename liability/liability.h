@@ -3,6 +3,7 @@
 // of the three generations that turn the profit boxes into the tax chargeable.
 #pragma once
 
+#include "common/current_law.h"
 #include "common/xmlvar.h"
 #include "platform/collections.h"
 #include "platform/cstring.h"
@@ -21,8 +22,15 @@ inline constexpr int kStandardRateCompanyToo = 3;    // charged as type 2
 // whole period where a band holds; the caller zeroes both first. text and
 // margintext receive the report wording of the rate and of the relief; node,
 // when given, receives the Reductions, MSRR and MSCR elements of the report.
+// ladder chooses the law; under current law years from FY2017 on are charged
+// by the current-law table, each year's text naming its source.
 double CTrate(int year, double Profit, double BasicProfit, double& msrr, double& mscr, CString& text,
-              CString& margintext, int associates, int days, CXMLVar* node, int type);
+              CString& margintext, int associates, int days, CXMLVar* node, int type,
+              RateLadder ladder = RateLadder::Default);
+
+// The small profits rate of the financial year under current law; 0 for a
+// year that has none (before FY2023, when all profits paid one rate).
+double SmallProfitsRate(int year);
 
 // Scales a limit by numerator/denominator, truncating, and reports the change.
 // A limit of 0 is left alone without a word; a denominator of 0 counts as 1.
@@ -64,6 +72,8 @@ struct YearRules {
     // Tags around the title of the relief lines in the year's report block.
     const char* reliefTitleOpen;
     const char* reliefTitleClose;
+    // The law the year is charged by; the drivers set it for the return.
+    RateLadder ladder = RateLadder::Default;
 };
 //                                      0 days  tree   remainder  tax 1p  relief 1p  relief title
 inline constexpr YearRules kYearRules16{false,  true,  true,      true,   true,      "<b>", "</b><br>"};

@@ -24,6 +24,16 @@ struct LadderRow {
 
 constexpr std::optional<Fraction> kNoMsrr = std::nullopt;
 
+// The row of a ladder that holds in the year: the last that starts by then,
+// or the first row for an earlier year.
+template <typename Row, std::size_t N>
+constexpr const Row& rowFor(const Row (&ladder)[N], int year) {
+    const Row* found = &ladder[0];
+    for (const Row& row : ladder)
+        if (row.firstYear <= year) found = &row;
+    return *found;
+}
+
 // The first row also covers every earlier year and the last every later one.
 // Fractions keep their published form (3/200, 0/100): the report shows them.
 constexpr LadderRow kFullLadder[] = {
@@ -54,12 +64,38 @@ constexpr StandardRow kStandardLadder[] = {
 
 constexpr double kOpenEndedInvestmentTrustRate = 20.0;
 
-template <typename Row, std::size_t N>
-const Row& rowFor(const Row (&ladder)[N], int year) {
-    const Row* found = &ladder[0];
-    for (const Row& row : ladder)
-        if (row.firstYear <= year) found = &row;
-    return *found;
+// Current law, chosen by the host (common/current_law.h). Years before the
+// first row are charged as the full ladder above charges them; the last row
+// also covers every later year. Each row says where its figures come from,
+// so that the next Finance Act's change is one new row with its source.
+struct CurrentLawRow {
+    int firstYear;
+    double smallProfitsRate, mainRate;
+    int lowerLimit, upperLimit;  // of augmented profits; 0 and 0: no limits, no relief
+    Fraction fraction;           // marginal relief: F x (U - A) x N / A
+    const char* source;
+};
+
+constexpr CurrentLawRow kCurrentLawLadder[] = {
+    {2017, 19, 19, 0, 0, {0, 100},
+     "FY2017 to FY2022: main rate 19% on all profits, no small profits rate, no marginal relief "
+     "(F(No.2)A 2015 s7, the rate held at 19% by FA 2020 and FA 2021)"},
+    {2023, 19, 25, 50000, 250000, {3, 200},
+     "From FY2023: main rate 25%, small profits rate 19%, lower limit 50,000, upper limit 250,000, "
+     "marginal relief fraction 3/200 (CTA 2010 ss18A-18N, inserted by FA 2021 Sch 1; HMRC CTM03900 to "
+     "CTM03958); unchanged to FY2026"},
+};
+
+const CurrentLawRow* currentLawRowFor(int year) {
+    if (year < kCurrentLawLadder[0].firstYear) return nullptr;
+    return &rowFor(kCurrentLawLadder, year);
+}
+
+// A current-law row in the shape the rate test below works on. The lowest
+// band is the small profits rate; there is no starting rate band.
+LadderRow asLadderRow(const CurrentLawRow& row) {
+    return {row.firstYear,  row.smallProfitsRate, row.smallProfitsRate, row.mainRate, 0, 0,
+            row.lowerLimit, row.upperLimit,       kNoMsrr,              row.fraction};
 }
 
 int clampToInt(std::int64_t value) {
@@ -97,6 +133,11 @@ void reportRelief(const char* name, int upper, double Profit, double BasicProfit
 
 }  // namespace
 
+double SmallProfitsRate(int year) {
+    const CurrentLawRow* row = currentLawRowFor(year);
+    return row && row->upperLimit > 0 ? row->smallProfitsRate : 0.0;
+}
+
 void ReduceThreshold(int& limit, int numerator, int denominator, CString& text, CXMLVar* node) {
     if (limit == 0) return;
     if (denominator == 0) denominator = 1;
@@ -118,23 +159,32 @@ CXMLVar* FractionNode(const char* name, int numerator, int denominator) {
 }
 
 double CTrate(int year, double Profit, double BasicProfit, double& msrr, double& mscr, CString& text,
-              CString& margintext, int associates, int days, CXMLVar* node, int type) {
+              CString& margintext, int associates, int days, CXMLVar* node, int type, RateLadder ladder) {
     text.Empty();
     margintext.Empty();
+    const CurrentLawRow* current = ladder == RateLadder::CurrentLaw ? currentLawRowFor(year) : nullptr;
     if (type == kOpenEndedInvestmentTrust) {
         text += "<b>Open Ended Investment Trust</b><br/>";
         return kOpenEndedInvestmentTrustRate;
     }
+    // Under current law the year's block names the row it was charged by.
+    if (current) {
+        text += "<i>";
+        text += current->source;
+        text += "</i><br>";
+    }
     if (type == kStandardRateCompany || type == kStandardRateCompanyToo) {
         text += "<b>Standard Rate of Tax</b><br/>";
         // Only this ladder widens a two-digit year; the year slice always
-        // hands over four digits, so the two ladders agree in practice.
-        const double rate = rowFor(kStandardLadder, yyyy(year)).rate;
+        // hands over four digits, so the two ladders agree in practice. A
+        // close investment-holding company pays the main rate whatever its
+        // profit (CTA 2010 s18N), so under current law 25% from FY2023.
+        const double rate = current ? current->mainRate : rowFor(kStandardLadder, yyyy(year)).rate;
         DoLogF("CTrate(ty=%d) - rate %f", year, rate);
         return rate;
     }
 
-    const LadderRow& row = rowFor(kFullLadder, year);
+    const LadderRow row = current ? asLadderRow(*current) : rowFor(kFullLadder, year);
     int startingLower = row.startingLower, startingUpper = row.startingUpper;
     int smallLower = row.smallLower, smallUpper = row.smallUpper;
 
@@ -154,11 +204,13 @@ double CTrate(int year, double Profit, double BasicProfit, double& msrr, double&
             ReduceThreshold(*limit, numerator, denominator, text, reductions);
         text += "<br>";
     };
-    if (associates > 0)
+    // Current law from FY2017 to FY2022 has no limits, so nothing to reduce.
+    const bool limited = !current || current->upperLimit > 0;
+    if (limited && associates > 0)
         reduceLimits(FormatString("%d associated companies", associates), 1,
                      associates < INT_MAX ? associates + 1 : INT_MAX);
     // A year of 366 days raises nothing: only periods short of 365 days scale.
-    if (days < 365) reduceLimits(FormatString("<b>short accounting period - %d days", days), days, 365);
+    if (limited && days < 365) reduceLimits(FormatString("<b>short accounting period - %d days", days), days, 365);
 
     double rate = row.startingRate;
     if (Profit > startingLower) rate = row.smallRate;

@@ -128,7 +128,8 @@ CXMLVar* CTyear(const YearRules& rules, const char* from, const char* to, int& f
     // Limits are tested on the whole period's profit and days, not the slice's.
     double msrr = 0, mscr = 0;
     CString rateText, reliefText;
-    rate = CTrate(fy, Profit, BasicProfit, msrr, mscr, rateText, reliefText, associates, days, node.get(), type);
+    rate = CTrate(fy, Profit, BasicProfit, msrr, mscr, rateText, reliefText, associates, days, node.get(), type,
+                  rules.ladder);
     addChild("Rate", fmt2(rate));
 
     html += rateText;
@@ -143,9 +144,14 @@ CXMLVar* CTyear(const YearRules& rules, const char* from, const char* to, int& f
         const double reliefShare = totaldays ? fydays * M / totaldays : 0.0;
         const bool starting = msrr > 0;
         html += rules.reliefTitleOpen;
-        html += "Marginal ";
-        html += starting ? "Starting Rate" : "Small companies";
-        html += " relief";
+        // Current law has one relief, no longer named after small companies.
+        if (rules.ladder == RateLadder::CurrentLaw) {
+            html += "Marginal relief";
+        } else {
+            html += "Marginal ";
+            html += starting ? "Starting Rate" : "Small companies";
+            html += " relief";
+        }
         html += rules.reliefTitleClose;
         html += reliefText;
         html.AppendFormat("%d/%d x %.2f = %.2f<BR>\n", fydays, totaldays, M, reliefShare);

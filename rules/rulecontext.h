@@ -48,6 +48,7 @@ public:
     CXMLVar* m_Root = nullptr;        // the GovTalkMessage; not owned
     CXMLVar* m_ErrorsNode = nullptr;  // the Errors document; not owned
     CObArray m_Selected;              // nodes of the running group, document order
+    bool m_CurrentLaw = false;        // the return is charged under current law
 
     // Fills the selection from the root. False, with m_Current unchanged,
     // when nothing is found; otherwise the first node becomes current.

@@ -6,11 +6,14 @@
 // and never stop the walk.
 #pragma once
 
+#include "common/current_law.h"
 #include "common/xmlvar.h"
 #include "schema/checks.h"
 #include "schema/pattern.h"
 
 // Walks the whole document (nothing when root is null); errors is the Errors root.
 void schemawalk(CXMLVar* root, CXMLVar* errors);
+// The same walk by the model of the ladder the return is charged by.
+void schemawalk(CXMLVar* root, CXMLVar* errors, RateLadder ladder);
 // The walk's callback for one node; errors is the Errors root.
 void schemavisit(CXMLVar* node, void* errors);

@@ -349,10 +349,21 @@ const CSchemaTable& ReturnSchema() {
     return table;
 }
 
+const CSchemaTable& ReturnSchema(RateLadder ladder) {
+    if (ladder != RateLadder::CurrentLaw) return ReturnSchema();
+    static const CSchemaTable table(returnModelCurrentLaw());
+    return table;
+}
+
 void schemavisit(CXMLVar* node, void* errors) { ReturnSchema().Visit(node, static_cast<CXMLVar*>(errors)); }
 
 // Nodes are visited in document order, a node before its children, so the
 // errors read top to bottom as the return does.
 void schemawalk(CXMLVar* root, CXMLVar* errors) {
     if (root) root->foreach(schemavisit, errors, 0);
+}
+
+void schemawalk(CXMLVar* root, CXMLVar* errors, RateLadder ladder) {
+    if (ladder != RateLadder::CurrentLaw) return schemawalk(root, errors);
+    ReturnSchema(ladder).Walk(root, errors);
 }

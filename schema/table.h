@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "common/current_law.h"
 #include "schema/checks.h"
 #include "schema/model/model.h"
 
@@ -85,3 +86,6 @@ private:
 
 // The test table of the return document, built on first use.
 const CSchemaTable& ReturnSchema();
+// The table for the ladder a return is charged by: under current law
+// CorporationTaxChargeable may hold AssociatedCompanies.
+const CSchemaTable& ReturnSchema(RateLadder ladder);

@@ -15,6 +15,7 @@
 
 #include "batch.h"
 #include "cli.h"
+#include "common/current_law.h"
 #include "common/errors.h"
 #include "common/library.h"
 #include "entry/exports.h"
@@ -51,6 +52,12 @@ const char* const kUsage =
     "        HMRC.\n"
     "  entries\n"
     "        List every form entry with the calculator it runs.\n"
+    "\n"
+    "calc, validate, message and report take --rates current: charge the\n"
+    "returns by current law (from FY2023 the 25% main rate, the 19% small\n"
+    "profits rate and marginal relief) unless a return's own box 'rates' says\n"
+    "otherwise; --rates default keeps the library's own ladder (19% from\n"
+    "FY2017 on). The environment variable CT600_RATES does the same.\n"
     "\n"
     "calc and validate take several files, or folders (their .json and .xml\n"
     "files at any depth), and then run them in parallel: --jobs N worker\n"
@@ -307,6 +314,16 @@ std::vector<Option> operator+(std::vector<Option> a, std::vector<Option> b) {
     return a;
 }
 
+// --rates: the ladder for the run, passed on as CT600_RATES so that batch
+// workers and every entry see the same choice.
+Option ratesOption() {
+    return {"--rates", true, [](const std::string& word) {
+                if (word != kCurrentLawWord && word != "default")
+                    throw InputError{"--rates takes current or default, not '" + word + "'"};
+                ::setenv("CT600_RATES", word.c_str(), 1);
+            }};
+}
+
 // To a file (written safely) or to standard output.
 void writeOut(const std::string& path, const std::string& text) {
     if (path.empty() || path == "-") printOut(text);
@@ -367,7 +384,7 @@ int commandCalc(const std::vector<std::string>& argv) {
         {"-o", true, [&](const std::string& v) { outPath = v; }},
         {"--json", false, [&](const std::string&) { options.json = true; }},
         {"--all", false, [&](const std::string&) { options.all = true; }},
-    } + batch.options();
+    } + batch.options() + std::vector<Option>{ratesOption()};
     if (!parseOptions(argv, table, "calc", paths)) return showHelp(kCalcHelp);
     if (paths.empty()) throw InputError{"calc needs a file"};
     if (!options.entryName.empty() && !FindFormEntry(options.entryName.c_str()))
@@ -470,7 +487,7 @@ int commandValidate(const std::vector<std::string>& argv) {
     const std::vector<Option> table =
         std::vector<Option>{{"--xml", false, [&](const std::string&) { xml = true; }},
                             {"--submission", false, [&](const std::string&) { submission = true; }}} +
-        batch.options();
+        batch.options() + std::vector<Option>{ratesOption()};
     if (!parseOptions(argv, table, "validate", paths)) return showHelp(kValidateHelp);
     if (paths.empty()) throw InputError{"validate needs a file"};
     requireTemplate();
@@ -534,6 +551,7 @@ int commandReport(const std::vector<std::string>& argv) {
     const std::vector<Option> table = {
         {"--entry", true, [&](const std::string& v) { options.entryName = v; }},
         {"-o", true, [&](const std::string& v) { outPath = v; }},
+        ratesOption(),
     };
     if (!parseOptions(argv, table, "report", paths)) return showHelp(kReportHelp);
     if (paths.empty()) throw InputError{"report needs a file"};
@@ -552,6 +570,7 @@ int commandMessage(const std::vector<std::string>& argv) {
         {"--test", false, [&](const std::string&) { test = true; }},
         {"--password-stdin", false, [&](const std::string&) { passwordStdin = true; }},
         {"-o", true, [&](const std::string& v) { outPath = v; }},
+        ratesOption(),
     };
     if (!parseOptions(argv, table, "message", paths)) return showHelp(kMessageHelp);
     if (paths.size() != 1) throw InputError{"message takes one file"};
@@ -595,6 +614,10 @@ int commandEntries(const std::vector<std::string>& argv) {
     }
     return kExitOk;
 }
+
+// --rates WORD (or --rates=WORD) of calc, validate, message and report sets
+// the process's choice of law, which workers of a batch inherit; a return's
+// own box 'rates' still wins. Taken out of args before the command reads them.
 
 // The calculator's errors are printed with the boxes; the error dialog stays quiet.
 void quietErrorSink(const CObList&, const CStringList*, void*) {}

@@ -121,6 +121,12 @@
 //   CT600_LOG_FILE      log file (default: ct600.log in the temporary folder)
 //   CT600_TODAY         today's date, dd/mm/yyyy or yyyy-mm-dd, for reproducible
 //                       validation (default: the system clock)
+//   CT600_RATES         "current": third-generation returns are charged, and
+//                       their message built and validated, by current law (from
+//                       FY2023 the small profits rate, marginal relief in Q435,
+//                       associated companies in Q326 to Q328, the tick Q329).
+//                       A return's own box "rates" wins when it holds text.
+//                       Anything else: the default ladder, as before.
 #pragma once
 
 #include "entry/exports.h"

@@ -278,8 +278,10 @@ RuleGroups CalculationGroups() {
         {58, "~/CompanyTaxCalculation/MarginalReliefForRingFenceTrades", {
             {"9216", "Box 435 must be less than Box 430",
              sum("../CorporationTax") <= num(".")},
+            // Box 435 was ring-fence relief only; under current law it is
+            // every company's marginal relief.
             {"9350", "If Box 435 is completed then Box 135 must be completed",
-             str("../../ReturnInfoSummary/SupplementaryPages/CT600I") != "yes"},
+             str("../../ReturnInfoSummary/SupplementaryPages/CT600I") != "yes", true},
         }},
         {59, "~/CompanyTaxCalculation/NetCorporationTaxChargeable", {
             {"9234", "Box 440 must equal Box 430 minus Box 435",

@@ -42,7 +42,7 @@ void RunRuleGroup(CRuleContext& ctx, const RuleGroup& group) {
     for (int i = 0; i < ctx.m_Selected.GetSize(); ++i) {
         ctx.SetCurrent(i);
         for (const RuleRow& rule : group.rules)
-            if (rule.test(ctx)) ctx.Error(rule.code, rule.message);
+            if (!(rule.defaultLawOnly && ctx.m_CurrentLaw) && rule.test(ctx)) ctx.Error(rule.code, rule.message);
     }
 }
 

@@ -26,6 +26,9 @@ struct RuleRow {
     const char* code;
     const char* message;
     ruledsl::Bool test;  // true when the rule reports
+    // Not run on a return charged under current law, whose boxes mean
+    // something else than when the rule was written.
+    bool defaultLawOnly = false;
 };
 
 struct RuleGroup {

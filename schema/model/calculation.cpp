@@ -1,4 +1,7 @@
 // The sections of CompanyTaxReturn from the tax calculation to the declaration.
+#include <array>
+#include <string_view>
+
 #include "schema/model/model.h"
 
 namespace schemamodel {
@@ -71,6 +74,36 @@ constexpr Decl kCompanyTaxCalculationRows[] = {
     {2, "AdvancedCorporationTax", optional, type(PenceAmount)},
     {2, "TotalReliefsAndDeductions", optional, type(PenceAmount)},
 };
+
+// Current law's associated companies and small profits tick, first in
+// CorporationTaxChargeable. The schema offers ThisPeriod or the two years;
+// the message never holds both.
+constexpr Decl kAssociatedCompaniesRows[] = {
+    {2, "AssociatedCompanies", optional, sequence},
+    {3, "ThisPeriod", optional, type(CompanyCount)},
+    {3, "AssociatedCompaniesFinancialYears", optional, sequence},
+    {4, "FirstYear", once, type(CompanyCount)},
+    {4, "SecondYear", once, type(CompanyCount)},
+    {3, "StartingOrSmallCompaniesRate", optional, type(YesFlag)},
+};
+
+// The rows with extra ones right after the row named after.
+template <std::size_t N, std::size_t M>
+constexpr std::array<Decl, N + M> withRowsAfter(const Decl (&rows)[N], std::string_view after,
+                                                const Decl (&extra)[M]) {
+    std::array<Decl, N + M> out{};
+    std::size_t at = 0;
+    for (const Decl& row : rows) {
+        out[at++] = row;
+        if (std::string_view(row.name) == after)
+            for (const Decl& e : extra) out[at++] = e;
+    }
+    return out;
+}
+
+constexpr auto kCompanyTaxCalculationCurrentLawRows =
+    withRowsAfter(kCompanyTaxCalculationRows, "CorporationTaxChargeable", kAssociatedCompaniesRows);
+static_assert(kCompanyTaxCalculationCurrentLawRows.back().name != nullptr, "the rows go after a row that is there");
 
 constexpr Decl kCalculationOfTaxOutstandingOrOverpaidRows[] = {
     {0, "CalculationOfTaxOutstandingOrOverpaid", once, sequence},
@@ -244,6 +277,7 @@ constexpr Decl kDeclarationRows[] = {
 }  // namespace
 
 extern const Table kCompanyTaxCalculation{"CompanyTaxReturn", kCompanyTaxCalculationRows};
+extern const Table kCompanyTaxCalculationCurrentLaw{"CompanyTaxReturn", kCompanyTaxCalculationCurrentLawRows};
 extern const Table kCalculationOfTaxOutstandingOrOverpaid{"CompanyTaxReturn", kCalculationOfTaxOutstandingOrOverpaidRows};
 extern const Table kTaxReconciliation{"CompanyTaxReturn", kTaxReconciliationRows};
 extern const Table kIndicatorsAndInformation{"CompanyTaxReturn", kIndicatorsAndInformationRows};

@@ -1,5 +1,8 @@
 // The message frame around the return, the sections of CompanyTaxReturn in
 // their order, and the header elements.
+#include <array>
+#include <iterator>
+
 #include "schema/model/model.h"
 
 namespace schemamodel {
@@ -37,6 +40,16 @@ constexpr const Table* kReturnSectionList[] = {
 };
 extern const std::span<const Table* const> kReturnSections = kReturnSectionList;
 
+// The same sections for a return charged under current law. Made at load
+// time: tables of other units have no address a constant may compare.
+const auto kReturnSectionListCurrentLaw = [] {
+    std::array<const Table*, std::size(kReturnSectionList)> list{};
+    for (std::size_t i = 0; i < list.size(); ++i)
+        list[i] = kReturnSectionList[i] == &kCompanyTaxCalculation ? &kCompanyTaxCalculationCurrentLaw
+                                                                   : kReturnSectionList[i];
+    return list;
+}();
+
 namespace {
 
 // The frame the validation builds around the return. Only CompanyTaxReturn
@@ -49,6 +62,15 @@ constexpr Decl kMessageRows[] = {
     {1, "Body", notCounted, noTest},
     {2, "IRenvelope", notCounted, noTest},
     {3, "CompanyTaxReturn", notCounted, sectionsOf(kReturnSectionList)},
+};
+const Decl kMessageRowsCurrentLaw[] = {
+    {0, "GovTalkMessage", notCounted, noTest},
+    {1, "Header", notCounted, noTest},
+    {2, "MessageDetails", notCounted, noTest},
+    {3, "Class", notCounted, noTest},
+    {1, "Body", notCounted, noTest},
+    {2, "IRenvelope", notCounted, noTest},
+    {3, "CompanyTaxReturn", notCounted, sectionsOf(kReturnSectionListCurrentLaw)},
 };
 
 // IRheader has no row of its own, so nothing counts its children.
@@ -98,14 +120,17 @@ constexpr Decl kManifestContainsRows[] = {
 }  // namespace
 
 extern const Table kMessage{"", kMessageRows};
+const Table kMessageCurrentLaw{"", kMessageRowsCurrentLaw};
 extern const Table kIRheader{"IRheader", kIRheaderRows};
 extern const Table kContactName{"Name", kContactNameRows};
 extern const Table kManifestContains{"Contains", kManifestContainsRows};
 
 namespace {
 constexpr const Table* kModel[] = {&kMessage, &kIRheader, &kContactName, &kManifestContains};
-}
+constexpr const Table* kModelCurrentLaw[] = {&kMessageCurrentLaw, &kIRheader, &kContactName, &kManifestContains};
+}  // namespace
 
 std::span<const Table* const> returnModel() { return kModel; }
+std::span<const Table* const> returnModelCurrentLaw() { return kModelCurrentLaw; }
 
 }  // namespace schemamodel

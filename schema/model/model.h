@@ -238,6 +238,9 @@ extern const Table kIRheader, kContactName, kManifestContains;
 extern const std::span<const Table* const> kReturnSections;
 // Where the test table starts: the frame and the free tables.
 std::span<const Table* const> returnModel();
+// The same for a return charged under current law: CorporationTaxChargeable
+// may hold AssociatedCompanies.
+std::span<const Table* const> returnModelCurrentLaw();
 
 // company.cpp
 extern const Table kCompanyInformation, kReturnInfoSummary, kTurnover;
@@ -245,6 +248,8 @@ extern const Table kCompanyInformation, kReturnInfoSummary, kTurnover;
 extern const Table kCompanyTaxCalculation, kCalculationOfTaxOutstandingOrOverpaid, kTaxReconciliation,
     kIndicatorsAndInformation, kEnhancedExpenditure, kLandRemediationEnhancedExpenditure, kAllowancesAndCharges,
     kNotIncluded, kQualifyingExpenditure, kLossesDeficitsAndExcess, kOverpaymentsAndRepayments, kDeclaration;
+// calculation.cpp: kCompanyTaxCalculation with current law's AssociatedCompanies
+extern const Table kCompanyTaxCalculationCurrentLaw;
 // pages.cpp
 extern const Table kLoansByCloseCompanies, kControlledForeignCompanies, kGroupAndConsortium, kInsurance, kCharity,
     kTonnageTax, kCrossBorderRoyalties, kRingFenceTrade, kTaxAvoidanceSchemes, kWelshReturn, kJointAccounts,
