@@ -1,4 +1,4 @@
-#include "entry/calcbase.h"
+#include "boxstore/calcbase.h"
 
 #include <algorithm>
 #include <charconv>
