@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <string_view>
@@ -50,10 +51,97 @@ bool rowNumber(std::string_view digits, int& number) {
 }
 }  // namespace
 
+void BoxIndex::Start(const CMapStringToString& boxes) {
+    std::size_t size = 256;
+    while (size < 2 * (boxes.items().size() + 256)) size *= 2;
+    slots_.assign(size, Slot{});
+    used_ = 0;
+    made = 0;
+    Walk(boxes);
+}
+
+// One walk of the map indexes what it holds, so that no key of the run needs
+// a search of the map, present or missing.
+void BoxIndex::Walk(const CMapStringToString& boxes) {
+    for (const auto& [key, text] : boxes.items())
+        if (Slot* slot = Find(key.view())) slot->text = const_cast<CString*>(&text);
+    mapSize = boxes.items().size() - made;
+}
+
+BoxIndex::Slot* BoxIndex::Find(std::string_view key) {
+    if (slots_.empty() || key.size() > sizeof(Slot::key)) return nullptr;
+    // FNV-1a: box keys are a few bytes, and this is all the hashing they need.
+    std::uint32_t hash = 2166136261u;
+    for (const char c : key) hash = (hash ^ static_cast<unsigned char>(c)) * 16777619u;
+    const std::size_t mask = slots_.size() - 1;
+    for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
+        Slot& slot = slots_[i];
+        if (!slot.used) {
+            // Keep the table at most three quarters full, so probes stay short.
+            if (4 * (used_ + 1) > 3 * slots_.size()) return nullptr;
+            ++used_;
+            slot.used = true;
+            slot.length = static_cast<std::uint8_t>(key.size());
+            std::memcpy(slot.key, key.data(), key.size());
+            return &slot;
+        }
+        if (slot.length == key.size() && std::memcmp(slot.key, key.data(), key.size()) == 0) return &slot;
+    }
+}
+
+namespace {
+// Prefix and key side by side, on the stack when they fit.
+class FullKey {
+public:
+    FullKey(const CString& prefix, const char* key) {
+        const std::string_view tail(key ? key : "");
+        if (prefix.IsEmpty()) {
+            view_ = tail;
+        } else if (prefix.GetLength() + tail.size() <= sizeof buffer_) {
+            std::memcpy(buffer_, prefix.c_str(), static_cast<std::size_t>(prefix.GetLength()));
+            std::memcpy(buffer_ + prefix.GetLength(), tail.data(), tail.size());
+            view_ = std::string_view(buffer_, static_cast<std::size_t>(prefix.GetLength()) + tail.size());
+        } else {
+            long_ = prefix.str();
+            long_ += tail;
+            view_ = long_;
+        }
+    }
+    std::string_view view() const noexcept { return view_; }
+
+private:
+    char buffer_[32];
+    std::string long_;
+    std::string_view view_;
+};
+}  // namespace
+
+const CString* CBaseCalc::LookupFull(std::string_view full) const {
+    // Entries made behind the store's back since the last walk: walk again.
+    if (m_pBoxes->items().size() - m_Index.made != m_Index.mapSize) m_Index.Walk(*m_pBoxes);
+    if (BoxIndex::Slot* slot = m_Index.Find(full)) return slot->text;
+    const auto& items = m_pBoxes->items();
+    const auto it = items.find(full);
+    return it == items.end() ? nullptr : &it->second;
+}
+
+// The box map's entry for a full key, made empty when missing.
+CString& CBaseCalc::BoxFor(std::string_view full) {
+    if (CString* text = const_cast<CString*>(LookupFull(full))) return *text;
+    const std::size_t before = m_pBoxes->items().size();
+    CString& made = (*m_pBoxes)[CString(full)];
+    m_Index.made += m_pBoxes->items().size() - before;
+    if (BoxIndex::Slot* slot = m_Index.Find(full)) slot->text = &made;
+    return made;
+}
+
 const CString* CBaseCalc::FindBox(const char* key) const {
     if (!m_pBoxes) return nullptr;
-    if (m_Prefix.IsEmpty()) return m_pBoxes->PLookup(key);
-    return m_pBoxes->PLookup(m_Prefix + key);
+    const FullKey full(m_Prefix, key);
+    if (m_Index.Active()) return LookupFull(full.view());
+    const auto& items = m_pBoxes->items();
+    const auto it = items.find(full.view());
+    return it == items.end() ? nullptr : &it->second;
 }
 
 CString CBaseCalc::GetBoxText(const char* key) const {
@@ -114,16 +202,30 @@ CString CBaseCalc::BoxKey(const char* format, int number) {
 }
 
 void CBaseCalc::SetBox(const char* key, double value) {
-    const CString full = m_WritePrefix + key;
-    m_Values[full] = value;
+    const FullKey full(m_WritePrefix, key);
+    BoxIndex::Slot* slot = m_Index.Find(full.view());
+    if (slot && slot->value) {
+        *slot->value = value;
+    } else {
+        double& stored = m_Values[CString(full.view())];
+        stored = value;
+        if (slot) slot->value = &stored;
+    }
     if (m_NoWrite || !m_pBoxes) return;
-    CString& box = (*m_pBoxes)[full];
+    // m_Prefix and m_WritePrefix are the same text during a run, so the index
+    // serves both; outside a run (or should they differ) the map is asked.
+    CString& box = m_Index.Active() && m_Prefix == m_WritePrefix ? BoxFor(full.view()) : (*m_pBoxes)[CString(full.view())];
     if (!box.IsEmpty() && box[box.GetLength() - 1] == '!') return;
-    box = FormatFixed(value, 6);
+    // "%f" of a plain nought, the clearing's value, needs no formatting.
+    if (value == 0 && !std::signbit(value))
+        box = "0.000000";
+    else
+        box = FormatFixed(value, 6);
 }
 
 double CBaseCalc::GetValue(const char* key) const {
-    auto it = m_Values.find(m_WritePrefix + key);
+    const FullKey full(m_WritePrefix, key);
+    auto it = m_Values.find(CString(full.view()));
     return it == m_Values.end() ? 0.0 : it->second;
 }
 
@@ -151,9 +253,9 @@ void CBaseCalc::ShowErrors(const CStringList* list) {
 }
 
 void CBaseCalc::WriteChanged(const char* key, const CString& text) {
-    const CString full = m_Prefix + key;
-    if (m_pBoxes) (*m_pBoxes)[full] = text;
-    m_Changed[full] = text;
+    const FullKey full(m_Prefix, key);
+    if (m_pBoxes) (m_Index.Active() ? BoxFor(full.view()) : (*m_pBoxes)[CString(full.view())]) = text;
+    m_Changed[CString(full.view())] = text;
 }
 
 void CBaseCalc::MarkZero(const char* key) {
@@ -171,6 +273,11 @@ void Helper(CBaseCalc* calc, CMapStringToString* boxes, CString* prefix, CMapStr
     calc->m_Prefix = prefix ? *prefix : CString();
     calc->m_WritePrefix = calc->m_Prefix;
     calc->m_NoWrite = 0;
+    struct IndexedRun {
+        BoxIndex& index;
+        IndexedRun(BoxIndex& i, const CMapStringToString& map) : index(i) { index.Start(map); }
+        ~IndexedRun() { index.Stop(); }
+    } run(calc->m_Index, *boxes);
     calc->Calc();
     if (out)
         for (const auto& [key, text] : calc->m_Changed.items()) (*out)[key] = text;

@@ -4,13 +4,50 @@
 // every computed number is kept in a side store.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <initializer_list>
+#include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "common/basics.h"
 #include "common/errors.h"
 #include "platform/collections.h"
 #include "platform/cstring.h"
+
+// A run's index over the host's box map, built by one walk of the map when
+// the run starts: a full key to the text the map stores for it (a map node
+// never moves while the run lasts, and nothing removes one) and to its number
+// in m_Values. A key without text in the index is missing: the store adds
+// what it writes to the index, and when the map has grown by entries the
+// store did not make (a liability driver reading through the creating
+// operator[]), the next lookup walks the map again. Keys are held inline up
+// to 13 bytes; a longer key, or a full table, goes to the map itself.
+class BoxIndex {
+public:
+    struct Slot {
+        CString* text = nullptr;
+        double* value = nullptr;
+        std::uint8_t length = 0;
+        bool used = false;
+        char key[13];
+    };
+    void Start(const CMapStringToString& boxes);
+    void Walk(const CMapStringToString& boxes);
+    void Stop() noexcept { slots_.clear(); used_ = 0; }
+    bool Active() const noexcept { return !slots_.empty(); }
+    // The key's slot, claimed if new; null when the key cannot be indexed.
+    Slot* Find(std::string_view key);
+    // Entries the store itself added to the map during the run, and the
+    // count of all others: the map's size at the start, while none came.
+    std::size_t made = 0;
+    std::size_t mapSize = 0;
+
+private:
+    std::vector<Slot> slots_;
+    std::size_t used_ = 0;
+};
 
 class CBaseCalc {
 public:
@@ -57,6 +94,13 @@ public:
     int m_Reserved = 0;
     int m_ShowErrors = 1;
     CObList m_Errors;
+
+    // Set up by Helper for the length of Calc.
+    mutable BoxIndex m_Index;
+
+private:
+    const CString* LookupFull(std::string_view full) const;
+    CString& BoxFor(std::string_view full);
 };
 
 // Points the calculator at the box map and prefix, runs Calc, and copies the
