@@ -53,7 +53,9 @@ bool rowNumber(std::string_view digits, int& number) {
 
 void BoxIndex::Start(const CMapStringToString& boxes) {
     std::size_t size = 256;
-    while (size < 2 * (boxes.items().size() + 256)) size *= 2;
+    int bits = 8;
+    for (; size < 2 * (boxes.items().size() + 256); ++bits) size *= 2;
+    shift_ = 32 - bits;
     slots_.assign(size, Slot{});
     used_ = 0;
     made = 0;
@@ -70,22 +72,25 @@ void BoxIndex::Walk(const CMapStringToString& boxes) {
 
 BoxIndex::Slot* BoxIndex::Find(std::string_view key) {
     if (slots_.empty() || key.size() > sizeof(Slot::key)) return nullptr;
-    // FNV-1a: box keys are a few bytes, and this is all the hashing they need.
+    // FNV-1a: box keys are a few bytes, and this is all the hashing they need;
+    // the multiply spreads keys that differ in their last digit.
     std::uint32_t hash = 2166136261u;
     for (const char c : key) hash = (hash ^ static_cast<unsigned char>(c)) * 16777619u;
     const std::size_t mask = slots_.size() - 1;
-    for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
+    for (std::size_t i = (hash * 2654435769u) >> shift_;; i = (i + 1) & mask) {
         Slot& slot = slots_[i];
         if (!slot.used) {
             // Keep the table at most three quarters full, so probes stay short.
             if (4 * (used_ + 1) > 3 * slots_.size()) return nullptr;
             ++used_;
             slot.used = true;
+            slot.hash = hash;
             slot.length = static_cast<std::uint8_t>(key.size());
             std::memcpy(slot.key, key.data(), key.size());
             return &slot;
         }
-        if (slot.length == key.size() && std::memcmp(slot.key, key.data(), key.size()) == 0) return &slot;
+        if (slot.hash == hash && slot.length == key.size() && std::memcmp(slot.key, key.data(), key.size()) == 0)
+            return &slot;
     }
 }
 
@@ -201,32 +206,61 @@ CString CBaseCalc::BoxKey(const char* format, int number) {
     return CString(std::move(key));
 }
 
+std::size_t ValueStore::Place(std::string_view key) {
+    for (std::size_t i = 0; i < items_.size(); ++i)
+        if (items_[i].first.view() == key) return i;
+    return Append(key);
+}
+
+std::size_t ValueStore::Append(std::string_view key) {
+    items_.emplace_back(CString(key), 0.0);
+    return items_.size() - 1;
+}
+
+const double* ValueStore::Find(std::string_view key) const {
+    for (const Item& item : items_)
+        if (item.first.view() == key) return &item.second;
+    return nullptr;
+}
+
 void CBaseCalc::SetBox(const char* key, double value) {
     const FullKey full(m_WritePrefix, key);
-    BoxIndex::Slot* slot = m_Index.Find(full.view());
-    if (slot && slot->value) {
-        *slot->value = value;
+    BoxIndex::Slot* slot = nullptr;
+    if (m_Index.Active()) {
+        m_Index.Sync(*m_pBoxes);
+        slot = m_Index.Find(full.view());
+    }
+    if (slot) {
+        // The index knows every key of m_Values: one it has no place for is new.
+        if (!slot->value) slot->value = m_Values.Append(full.view()) + 1;
+        m_Values[slot->value - 1] = value;
     } else {
-        double& stored = m_Values[CString(full.view())];
-        stored = value;
-        if (slot) slot->value = &stored;
+        m_Values[m_Values.Place(full.view())] = value;
     }
     if (m_NoWrite || !m_pBoxes) return;
-    // m_Prefix and m_WritePrefix are the same text during a run, so the index
-    // serves both; outside a run (or should they differ) the map is asked.
-    CString& box = m_Index.Active() && m_Prefix == m_WritePrefix ? BoxFor(full.view()) : (*m_pBoxes)[CString(full.view())];
-    if (!box.IsEmpty() && box[box.GetLength() - 1] == '!') return;
+    // m_Prefix and m_WritePrefix are the same text during a run, so the slot
+    // serves the write too; should they differ, the map is asked.
+    CString* box = nullptr;
+    if (slot && m_Prefix == m_WritePrefix) {
+        if (!slot->text) slot->text = &BoxFor(full.view());
+        box = slot->text;
+    } else {
+        box = &(*m_pBoxes)[CString(full.view())];
+    }
+    if (!box->IsEmpty() && (*box)[box->GetLength() - 1] == '!') return;
     // "%f" of a plain nought, the clearing's value, needs no formatting.
     if (value == 0 && !std::signbit(value))
-        box = "0.000000";
+        *box = "0.000000";
     else
-        box = FormatFixed(value, 6);
+        *box = FormatFixed(value, 6);
 }
 
 double CBaseCalc::GetValue(const char* key) const {
     const FullKey full(m_WritePrefix, key);
-    auto it = m_Values.find(CString(full.view()));
-    return it == m_Values.end() ? 0.0 : it->second;
+    if (m_Index.Active())
+        if (const BoxIndex::Slot* slot = m_Index.Find(full.view())) return slot->value ? m_Values.At(slot->value - 1) : 0.0;
+    const double* value = m_Values.Find(full.view());
+    return value ? *value : 0.0;
 }
 
 double CBaseCalc::BoxDateOk(const char* key) const {
@@ -278,6 +312,9 @@ void Helper(CBaseCalc* calc, CMapStringToString* boxes, CString* prefix, CMapStr
         IndexedRun(BoxIndex& i, const CMapStringToString& map) : index(i) { index.Start(map); }
         ~IndexedRun() { index.Stop(); }
     } run(calc->m_Index, *boxes);
+    // Numbers kept from an earlier run of the object keep their places.
+    for (std::size_t i = 0; i < calc->m_Values.size(); ++i)
+        if (BoxIndex::Slot* slot = calc->m_Index.Find(calc->m_Values.begin()[i].first.view())) slot->value = i + 1;
     calc->Calc();
     if (out)
         for (const auto& [key, text] : calc->m_Changed.items()) (*out)[key] = text;

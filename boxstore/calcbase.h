@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <string_view>
-#include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "common/basics.h"
@@ -28,13 +28,18 @@ class BoxIndex {
 public:
     struct Slot {
         CString* text = nullptr;
-        double* value = nullptr;
+        std::size_t value = 0;  // 1 + the key's place in m_Values, or 0
+        std::uint32_t hash = 0;
         std::uint8_t length = 0;
         bool used = false;
         char key[13];
     };
     void Start(const CMapStringToString& boxes);
     void Walk(const CMapStringToString& boxes);
+    // Walks again when the map has grown by entries the store did not make.
+    void Sync(const CMapStringToString& boxes) {
+        if (boxes.items().size() - made != mapSize) Walk(boxes);
+    }
     void Stop() noexcept { slots_.clear(); used_ = 0; }
     bool Active() const noexcept { return !slots_.empty(); }
     // The key's slot, claimed if new; null when the key cannot be indexed.
@@ -47,6 +52,29 @@ public:
 private:
     std::vector<Slot> slots_;
     std::size_t used_ = 0;
+    int shift_ = 0;  // 32 less the table's bits
+};
+
+// The side store of computed numbers: full key to the last number SetBox
+// was given, in the order keys were first written. A run finds a key's place
+// through the index; anything else searches.
+class ValueStore {
+public:
+    using Item = std::pair<CString, double>;
+    // The key's place, appended (with 0) if new.
+    std::size_t Place(std::string_view key);
+    // Appends a key known to be new; its place.
+    std::size_t Append(std::string_view key);
+    double At(std::size_t place) const { return items_[place].second; }
+    const double* Find(std::string_view key) const;
+    double& operator[](std::size_t place) { return items_[place].second; }
+    std::size_t size() const noexcept { return items_.size(); }
+    void reserve(std::size_t n) { items_.reserve(n); }
+    auto begin() const noexcept { return items_.begin(); }
+    auto end() const noexcept { return items_.end(); }
+
+private:
+    std::vector<Item> items_;
 };
 
 class CBaseCalc {
@@ -85,7 +113,7 @@ public:
     const CString* FindBox(const char* key) const;
 
     CMapStringToString* m_pBoxes = nullptr;
-    std::unordered_map<CString, double> m_Values;
+    ValueStore m_Values;
     CMapStringToString m_Changed;
     CString m_WritePrefix;
     CString m_Prefix;
