@@ -55,7 +55,7 @@ void BoxIndex::Start(const CMapStringToString& boxes) {
     std::size_t size = 256;
     int bits = 8;
     for (; size < 2 * (boxes.items().size() + 256); ++bits) size *= 2;
-    shift_ = 32 - bits;
+    shift_ = 64 - bits;
     slots_.assign(size, Slot{});
     used_ = 0;
     made = 0;
@@ -71,26 +71,28 @@ void BoxIndex::Walk(const CMapStringToString& boxes) {
 }
 
 BoxIndex::Slot* BoxIndex::Find(std::string_view key) {
-    if (slots_.empty() || key.size() > sizeof(Slot::key)) return nullptr;
-    // FNV-1a: box keys are a few bytes, and this is all the hashing they need;
-    // the multiply spreads keys that differ in their last digit.
-    std::uint32_t hash = 2166136261u;
-    for (const char c : key) hash = (hash ^ static_cast<unsigned char>(c)) * 16777619u;
+    if (slots_.empty() || key.size() > kMaxKey) return nullptr;
+    // The key as two words: one multiply each hashes it, two compares match it.
+    char bytes[kMaxKey] = {};
+    std::memcpy(bytes, key.data(), key.size());
+    std::uint64_t head, tail;
+    std::memcpy(&head, bytes, 8);
+    std::memcpy(&tail, bytes + 8, 8);
+    const std::uint64_t hash = (head * 0x9E3779B97F4A7C15ull) ^ (tail * 0xC2B2AE3D27D4EB4Full) ^ key.size();
     const std::size_t mask = slots_.size() - 1;
-    for (std::size_t i = (hash * 2654435769u) >> shift_;; i = (i + 1) & mask) {
+    for (std::size_t i = static_cast<std::size_t>((hash * 0xFF51AFD7ED558CCDull) >> shift_);; i = (i + 1) & mask) {
         Slot& slot = slots_[i];
         if (!slot.used) {
             // Keep the table at most three quarters full, so probes stay short.
             if (4 * (used_ + 1) > 3 * slots_.size()) return nullptr;
             ++used_;
             slot.used = true;
-            slot.hash = hash;
+            slot.head = head;
+            slot.tail = tail;
             slot.length = static_cast<std::uint8_t>(key.size());
-            std::memcpy(slot.key, key.data(), key.size());
             return &slot;
         }
-        if (slot.hash == hash && slot.length == key.size() && std::memcmp(slot.key, key.data(), key.size()) == 0)
-            return &slot;
+        if (slot.head == head && slot.tail == tail && slot.length == key.size()) return &slot;
     }
 }
 

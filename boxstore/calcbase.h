@@ -29,11 +29,11 @@ public:
     struct Slot {
         CString* text = nullptr;
         std::size_t value = 0;  // 1 + the key's place in m_Values, or 0
-        std::uint32_t hash = 0;
+        std::uint64_t head = 0, tail = 0;  // the key's bytes, zero-padded
         std::uint8_t length = 0;
         bool used = false;
-        char key[13];
     };
+    static constexpr std::size_t kMaxKey = 16;
     void Start(const CMapStringToString& boxes);
     void Walk(const CMapStringToString& boxes);
     // Walks again when the map has grown by entries the store did not make.
@@ -52,7 +52,7 @@ public:
 private:
     std::vector<Slot> slots_;
     std::size_t used_ = 0;
-    int shift_ = 0;  // 32 less the table's bits
+    int shift_ = 0;  // 64 less the table's bits
 };
 
 // The side store of computed numbers: full key to the last number SetBox
