@@ -2,7 +2,7 @@
 // ordered pass of box formulas: every row reads what the rows before it wrote.
 #pragma once
 
-#include "entry/calcbase.h"
+#include "boxstore/calcbase.h"
 
 // Third generation: every ctv2_, ctv3_ and _ctXv3_ entry.
 class CCT600_16Calc : public CBaseCalc {

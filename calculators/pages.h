@@ -5,7 +5,7 @@
 
 #include <span>
 
-#include "entry/calcbase.h"
+#include "boxstore/calcbase.h"
 
 // Rate of the tax on loans to participators, from the start of the period.
 double LoanTaxRate(const char* from, const char* to);

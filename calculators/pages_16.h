@@ -3,7 +3,7 @@
 #pragma once
 
 #include "calculators/pages.h"
-#include "entry/calcbase.h"
+#include "boxstore/calcbase.h"
 
 void CalcPages16(CBaseCalc& calc);
 void FieldChecks16(CBaseCalc& calc);

@@ -5,7 +5,7 @@
 #include <initializer_list>
 #include <span>
 
-#include "entry/calcbase.h"
+#include "boxstore/calcbase.h"
 
 // A box worked as an amount times a percentage rate.
 struct RateRow {

@@ -24,6 +24,23 @@ constexpr char kPound = static_cast<char>(0xA3);
 // through from_chars, which rounds correctly and ignores the locale.
 double myatof(const char* text) {
     if (!text) return 0.0;
+    // The common case, what SetBox writes: [-]digits[.digits], alone or before
+    // the override mark. The cleaned text would be the text itself, so it goes
+    // to from_chars as it stands.
+    {
+        const char* q = text + (*text == '-');
+        const char* digits = q;
+        while (isDigit(*q)) ++q;
+        if (q != digits) {
+            if (*q == '.' && isDigit(q[1]))
+                for (++q; isDigit(*q);) ++q;
+            if (*q == '\0' || (*q == '!' && q[1] == '\0')) {
+                double result = 0.0;
+                const auto [end, ec] = std::from_chars(text, q, result);
+                if (end == q) return ec != std::errc() || !std::isfinite(result) || result == 0.0 ? 0.0 : result;
+            }
+        }
+    }
     const char* p = text;
     while (isBlankChar(*p)) ++p;
     bool pound = false;

@@ -249,13 +249,17 @@ void CGovTalk::RemoveConditionals(CXMLVar* document) {
     for (auto it = order.rbegin(); it != order.rend(); ++it) {
         CXMLVar* node = *it;
         auto& kids = node->children;
-        const auto gone = std::stable_partition(kids.begin(), kids.end(),
-                                                [&](const CXMLVar* c) { return !doomed.count(c); });
-        for (auto k = gone; k != kids.end(); ++k) {
-            doomed.erase(*k);
-            delete *k;  // already without children of its own
+        // Kept children close up in their order; no scratch buffer per node.
+        if (!doomed.empty()) {
+            std::size_t kept = 0;
+            for (CXMLVar* kid : kids) {
+                if (doomed.erase(kid))
+                    delete kid;  // already without children of its own
+                else
+                    kids[kept++] = kid;
+            }
+            kids.resize(kept);
         }
-        kids.erase(gone, kids.end());
 
         const bool conditional = !node->GetAttr(kIfAttr).IsEmpty();
         dropAttributes(node, isMarkup);

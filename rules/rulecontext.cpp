@@ -120,16 +120,13 @@ void CRuleContext::WalkSteps(CXMLVar* node, PathTable steps, bool first, CObArra
             }
             std::string name, attribute;
             const bool filtered = splitAttributeFilter(*step, name, attribute);
-            POSITION pos = node->GetFirstChildPosition();
-            while (pos) {
-                CXMLVar* child = node->GetNextChild(pos);
-                if (!child) continue;
-                if (filtered) {
-                    if (child->name == name.c_str() && !child->GetAttr(attribute.c_str()).IsEmpty())
-                        WalkSteps(child, step + 1, false, out);
-                } else if (child->name == *step) {
-                    WalkSteps(child, step + 1, false, out);
-                }
+            // A view of the name compares lengths first: most children differ there.
+            const std::string_view want = filtered ? std::string_view(name) : std::string_view(*step);
+            for (std::size_t i = 0; i < node->children.size(); ++i) {
+                CXMLVar* child = node->children[i];
+                if (!child || child->name.view() != want) continue;
+                if (filtered && child->GetAttr(attribute.c_str()).IsEmpty()) continue;
+                WalkSteps(child, step + 1, false, out);
             }
             return;
         }

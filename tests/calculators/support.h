@@ -10,7 +10,7 @@
 
 #include "common/errors.h"
 #include "common/library.h"
-#include "entry/calcbase.h"
+#include "boxstore/calcbase.h"
 #include "support/capture.h"
 
 using Nums = std::initializer_list<std::pair<const char*, double>>;

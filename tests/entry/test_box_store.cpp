@@ -4,7 +4,7 @@
 
 #include <functional>
 
-#include "entry/calcbase.h"
+#include "boxstore/calcbase.h"
 
 namespace {
 
