@@ -50,17 +50,6 @@ std::string irmarkIn(const std::string& text) {
     return from == std::string::npos || to == std::string::npos ? "" : text.substr(from + open.size(), to - from - open.size());
 }
 
-std::string run(const std::string& command) {
-    std::string out;
-    if (FILE* pipe = popen(command.c_str(), "r")) {
-        char buffer[4096];
-        std::size_t n;
-        while ((n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) out.append(buffer, n);
-        pclose(pipe);
-    }
-    return out;
-}
-
 // The second route: the Body cut out as text, the envelope's namespace put on
 // it and the IRmark element taken out, then xmllint --c14n | SHA-1 | base64.
 std::string irmarkByTools(const std::string& message) {
@@ -75,7 +64,7 @@ std::string irmarkByTools(const std::string& message) {
     }
     const fs::path file = fs::path(GetTempDir().str()) / "body.xml";
     std::ofstream(file, std::ios::binary) << "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n" << body;
-    std::string mark = run("xmllint --c14n " + file.string() + " | openssl dgst -sha1 -binary | base64");
+    std::string mark = RunShell("xmllint --c14n " + file.string() + " | openssl dgst -sha1 -binary | base64").out;
     while (!mark.empty() && mark.back() == '\n') mark.pop_back();
     return mark;
 }

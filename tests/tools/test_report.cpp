@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <sstream>
 #include <string>
@@ -159,12 +158,9 @@ TEST(ReportPage, RendersInHeadlessChromium) {
     const std::string profile = scratch("chromium-profile").string();
     const std::string command = "timeout 120 chromium --headless --disable-gpu --no-sandbox --user-data-dir=" +
                                 profile + " --dump-dom file://" + page + " 2>/dev/null";
-    FILE* pipe = popen(command.c_str(), "r");
-    ASSERT_NE(pipe, nullptr);
-    std::string dom;
-    char buffer[4096];
-    for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) dom.append(buffer, n);
-    ASSERT_EQ(pclose(pipe), 0) << dom;
+    const CliOutcome rendered = RunShell(command);
+    const std::string& dom = rendered.out;
+    ASSERT_EQ(rendered.status, 0) << dom;
 
     EXPECT_NE(dom.find("<title>Corporation tax computation: Example Trading Limited</title>"), std::string::npos);
     EXPECT_NE(dom.find("<h1>Example Trading Limited</h1>"), std::string::npos) << dom;

@@ -22,16 +22,7 @@ using namespace clitest;
 // A shell script run in folder with $CT600 the command; standard error and
 // standard output together.
 CliOutcome shell(const fs::path& folder, const std::string& script) {
-    const std::string command = "cd '" + folder.string() + "' && CT600='" + std::string(CT600_CLI) + "' && { " +
-                                script + "\n} 2>&1";
-    CliOutcome outcome;
-    FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe) return outcome;
-    char buffer[4096];
-    for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) outcome.out.append(buffer, n);
-    const int raw = pclose(pipe);
-    outcome.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    return outcome;
+    return RunShell("cd '" + folder.string() + "' && CT600='" + std::string(CT600_CLI) + "' && { " + script + "\n} 2>&1");
 }
 
 std::set<std::string> namesIn(const fs::path& folder) {
