@@ -278,7 +278,9 @@ protected:
     std::filesystem::path base_;
 };
 
-TEST_F(TemplateFolders, CtFormsComeFromTheTemplateFolderAndMoveToParentIsUnwrapped) {
+// CT forms come from the template folder and lose MoveToParent; others come
+// from the suite's folder and keep it.
+TEST_F(TemplateFolders, EachFormFromItsFolder) {
     envtest::EnvGuard ct("CT600_TEMPLATE_DIR", (base_ / "ct").string());
     envtest::EnvGuard suite("CT600_SUITE_DIR", (base_ / "suite").string());
     CMapStringToString boxes = envtest::boxesOf({{"Q1", "a"}, {"Q2", "b"}});
@@ -286,14 +288,8 @@ TEST_F(TemplateFolders, CtFormsComeFromTheTemplateFolderAndMoveToParentIsUnwrapp
     const std::unique_ptr<CXMLVar> message(quick_govtalk(&boxes, "ctmove"));
     EXPECT_EQ(compact(message.get()), "GovTalkMessage(Body(IRenvelope(CompanyTaxReturn(A=a B=b C=fixed))))");
     EXPECT_TRUE(log.Has("quick_govtalk() template=" + (base_ / "ct").string() + "/ctmove.xml")) << log.lines.size();
-}
-
-TEST_F(TemplateFolders, OtherFormsComeFromTheSuiteFolderAndKeepMoveToParent) {
-    envtest::EnvGuard ct("CT600_TEMPLATE_DIR", (base_ / "ct").string());
-    envtest::EnvGuard suite("CT600_SUITE_DIR", (base_ / "suite").string());
-    CMapStringToString boxes = envtest::boxesOf({{"Q1", "a"}, {"Q2", "b"}});
-    const std::unique_ptr<CXMLVar> message(quick_govtalk(&boxes, "sa100"));
-    EXPECT_EQ(compact(message.get()), "GovTalkMessage(Body(IRenvelope(SA(A=a MoveToParent(B=b)))))");
+    const std::unique_ptr<CXMLVar> other(quick_govtalk(&boxes, "sa100"));
+    EXPECT_EQ(compact(other.get()), "GovTalkMessage(Body(IRenvelope(SA(A=a MoveToParent(B=b)))))");
 }
 
 TEST_F(TemplateFolders, AMissingTemplateGivesNullAndALogLine) {
