@@ -25,23 +25,9 @@ std::string fill(const std::string& templ, const CMapStringToString& boxes, cons
 // The cases of tests/data/populate_cases.tsv: what, template, key=value|...,
 // the filled tree.
 TEST(Populate, FillsPlaceholdersRepeatsRowsAndDropsWhatIsEmpty) {
-    std::istringstream in(readFile(envtest::sourcePath("tests/data/populate_cases.tsv")));
     int cases = 0;
-    for (std::string line; std::getline(in, line);) {
-        if (line.empty() || line[0] == '#') continue;
-        std::vector<std::string> f;
-        for (std::size_t at = 0, tab; at <= line.size(); at = tab + 1) {
-            tab = std::min(line.find('\t', at), line.size());
-            f.push_back(line.substr(at, tab - at));
-        }
-        ASSERT_EQ(f.size(), 4u) << line;
-        CMapStringToString boxes;
-        for (std::size_t at = 0, bar; at < f[2].size(); at = bar + 1) {
-            bar = std::min(f[2].find('|', at), f[2].size());
-            const std::string pair = f[2].substr(at, bar - at);
-            boxes[pair.substr(0, pair.find('=')).c_str()] = pair.substr(pair.find('=') + 1).c_str();
-        }
-        EXPECT_EQ(fill(f[1], boxes), f[3]) << f[0];
+    for (const std::vector<std::string>& f : envtest::tableRows("tests/data/populate_cases.tsv", 4)) {
+        EXPECT_EQ(fill(f[1], envtest::boxesOfText(f[2])), f[3]) << f[0];
         ++cases;
     }
     EXPECT_EQ(cases, 30);

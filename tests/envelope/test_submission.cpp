@@ -163,15 +163,11 @@ TEST(Submission, TheEnvelopeHoldsTheHeaderAndTheValidationsReturn) {
         CMapStringToString boxes = sample();
         const std::unique_ptr<CXMLVar> message(submission_govtalk(boxes, credentials(test)));
         ASSERT_NE(message, nullptr);
-        std::istringstream table(readFile(sourcePath("tests/data/submission_envelope.tsv")));
         int checked = 0;
-        for (std::string line; std::getline(table, line);) {
-            if (line.empty() || line[0] == '#') continue;
-            const std::size_t tab = line.find('\t');
-            std::string p = line.substr(0, tab), attribute, value = line.substr(tab + 1);
-            value = value.substr(0, value.find('\t'));
-            if (value == "{test}") value = test ? "1" : "0";
-            const std::string path = p;
+        for (const std::vector<std::string>& f : envtest::tableRows("tests/data/submission_envelope.tsv", 2)) {
+            std::string p = f[0], attribute;
+            const std::string& path = f[0];
+            const std::string value = f[1] == "{test}" ? (test ? "1" : "0") : f[1];
             ++checked;
             if (const auto at = p.find('@'); at != std::string::npos) {
                 attribute = p.substr(at + 1);
