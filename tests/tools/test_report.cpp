@@ -1,9 +1,6 @@
 // 'ct600 report': the recalculated return and its worked computation as one page.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdlib>
-#include <sstream>
 #include <string>
 
 #include "support/run_cli.h"
@@ -142,17 +139,9 @@ TEST(ReportPage, BadInputAndUsage) {
     }
 }
 
-bool onPath(const std::string& program) {
-    const char* path = std::getenv("PATH");
-    std::istringstream dirs(path ? path : "");
-    for (std::string dir; std::getline(dirs, dir, ':');)
-        if (!dir.empty() && access((dir + "/" + program).c_str(), X_OK) == 0) return true;
-    return false;
-}
-
 // What a browser makes of the page: the DOM after parsing, fragment included.
 TEST(ReportPage, RendersInHeadlessChromium) {
-    if (!onPath("chromium")) GTEST_SKIP() << "chromium is not on PATH; the page is not rendered";
+    if (RunShell("command -v chromium >/dev/null").status != 0) GTEST_SKIP() << "chromium is not on PATH; the page is not rendered";
     const std::string page = scratch("render.html").string();
     ASSERT_EQ(RunCli("report -o " + page + " " + example("sample-return.json")).status, 0);
     const std::string profile = scratch("chromium-profile").string();
