@@ -2,6 +2,7 @@
 // of a tree, box maps from the example files and the environment.
 #pragma once
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <memory>
@@ -51,6 +52,35 @@ inline std::string compact(const CXMLVar* node) {
 inline CMapStringToString boxesOf(const std::vector<std::pair<const char*, const char*>>& pairs) {
     CMapStringToString boxes;
     for (const auto& [k, v] : pairs) boxes[k] = v;
+    return boxes;
+}
+
+// The rows of a tab-separated file of cases under the source tree, "#" lines
+// left out; each must have the number of fields given.
+inline std::vector<std::vector<std::string>> tableRows(const std::string& relative, std::size_t fields) {
+    std::vector<std::vector<std::string>> rows;
+    std::istringstream in(readFile(sourcePath(relative)));
+    for (std::string line; std::getline(in, line);) {
+        if (line.empty() || line[0] == '#') continue;
+        std::vector<std::string> f;
+        for (std::size_t at = 0, tab; at <= line.size(); at = tab + 1) {
+            tab = std::min(line.find('\t', at), line.size());
+            f.push_back(line.substr(at, tab - at));
+        }
+        f.resize(fields);
+        rows.push_back(std::move(f));
+    }
+    return rows;
+}
+
+// Boxes written key=value|key=value.
+inline CMapStringToString boxesOfText(const std::string& text) {
+    CMapStringToString boxes;
+    for (std::size_t at = 0, bar; at < text.size(); at = bar + 1) {
+        bar = std::min(text.find('|', at), text.size());
+        const std::string pair = text.substr(at, bar - at);
+        boxes[pair.substr(0, pair.find('=')).c_str()] = pair.substr(pair.find('=') + 1).c_str();
+    }
     return boxes;
 }
 

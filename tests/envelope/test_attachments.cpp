@@ -17,47 +17,22 @@ using envtest::compact;
 const std::string kPdf = "JVBERi0xLjQKJe++";
 const std::string kXhtml = "PGh0bWw+PC9odG1sPg==";  // base64 of "<html></html>"
 
-struct AttachCase {
-    const char* what;
-    std::vector<std::pair<const char*, const char*>> boxes;
-    int result;
-    std::string expected;  // the document after the call
-};
-
+// The cases of tests/data/attachment_cases.tsv.
 TEST(AttachFiles, PlacesEachKindOfFile) {
-    const AttachCase cases[] = {
-        {"nothing named", {}, 0, "Doc"},
-        {"only a second file counts for nothing", {{"fileattach2", "accounts.pdf"}}, 0, "Doc"},
-        {"a PDF", {{"fileattach1", "notice.pdf"}}, 1,
-         "Doc(AttachedFiles(Attachment[Filename=notice.pdf][FileFormat=pdf]=" + kPdf + "))"},
-        {"the extension in capitals", {{"fileattach1", "C:\\Files\\Notice.PDF"}}, 1,
-         "Doc(AttachedFiles(Attachment[Filename=C:\\Files\\Notice.PDF][FileFormat=pdf]=" + kPdf + "))"},
-        {"inline XBRL accounts", {{"fileattach1", "accounts-2017.html"}}, 0,
-         "Doc(AttachedFiles(XBRLsubmission(Accounts(Instance(EncodedInlineXBRLDocument=" + kXhtml + ")))))"},
-        {"computations by their name", {{"fileattach1", "northwind-ctcomp.xhtml"}}, 0,
-         "Doc(AttachedFiles(XBRLsubmission(Computation(Instance(EncodedInlineXBRLDocument=" + kXhtml + ")))))"},
-        {"a gap in the keys", {{"fileattach1", "a.pdf"}, {"fileattach3", "b.pdf"}}, 1,
-         "Doc(AttachedFiles(Attachment[Filename=a.pdf][FileFormat=pdf]=" + kPdf +
-             " Attachment[Filename=b.pdf][FileFormat=pdf]=" + kPdf + "))"},
-        {"a fourth key is never read", {{"fileattach1", "a.pdf"}, {"fileattach4", "d.pdf"}}, 1,
-         "Doc(AttachedFiles(Attachment[Filename=a.pdf][FileFormat=pdf]=" + kPdf + "))"},
-        {"two sets of accounts leave one instance", {{"fileattach1", "acc1.html"}, {"fileattach2", "acc2.html"}}, 0,
-         "Doc(AttachedFiles(XBRLsubmission(Accounts(Instance(EncodedInlineXBRLDocument=" + kXhtml + ")))))"},
-        {"sorted: submission before attachment, computations before accounts",
-         {{"fileattach1", "letter.pdf"}, {"fileattach2", "accounts.html"}, {"fileattach3", "x-ctcomp-y.html"}},
-         1,
-         "Doc(AttachedFiles(XBRLsubmission(Computation(Instance(EncodedInlineXBRLDocument=" + kXhtml +
-             ")) Accounts(Instance(EncodedInlineXBRLDocument=" + kXhtml +
-             "))) Attachment[Filename=letter.pdf][FileFormat=pdf]=" + kPdf + "))"},
-    };
-    for (const AttachCase& c : cases) {
-        CMapStringToString boxes = envtest::boxesOf(c.boxes);
+    int cases = 0;
+    for (const std::vector<std::string>& f : envtest::tableRows("tests/data/attachment_cases.tsv", 4)) {
+        std::string expected = f[3];
+        for (const auto& [token, body] : {std::pair{std::string("{pdf}"), kPdf}, {"{xhtml}", kXhtml}})
+            for (std::size_t at; (at = expected.find(token)) != std::string::npos;) expected.replace(at, token.size(), body);
+        CMapStringToString boxes = envtest::boxesOfText(f[1]);
         CXMLVar doc("Doc");
         CXMLVar* created = nullptr;
-        EXPECT_EQ(attachfiles("", &created, boxes, 0, &doc), c.result) << c.what;
-        EXPECT_EQ(created, nullptr) << c.what;
-        EXPECT_EQ(compact(&doc), c.expected) << c.what;
+        EXPECT_EQ(attachfiles("", &created, boxes, 0, &doc), std::stoi(f[2])) << f[0];
+        EXPECT_EQ(created, nullptr) << f[0];
+        EXPECT_EQ(compact(&doc), expected) << f[0];
+        ++cases;
     }
+    EXPECT_EQ(cases, 10);
 }
 
 TEST(AttachFiles, KeepsWhatTheDocumentAlreadyHas) {

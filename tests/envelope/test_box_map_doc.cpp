@@ -3,6 +3,7 @@
 // and hold the table's form boxes to HMRC's own annotation of the schema.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <sstream>
 #include <string>
@@ -17,21 +18,17 @@ struct Row {
     int line = 0;
 };
 
-std::string cell(std::string text) {
-    std::string out;
-    for (char c : text)
-        if (c != '`') out += c;
-    const auto first = out.find_first_not_of(' ');
-    const auto last = out.find_last_not_of(' ');
-    return first == std::string::npos ? std::string() : out.substr(first, last - first + 1);
-}
-
+// The cells of a table line, without backquotes and the blanks around them.
 std::vector<std::string> cells(const std::string& line) {
     std::vector<std::string> out;
     std::stringstream in(line.substr(1));
-    std::string part;
-    while (std::getline(in, part, '|')) out.push_back(cell(part));
+    for (std::string part; std::getline(in, part, '|');) {
+        std::erase(part, '`');
+        const auto first = part.find_first_not_of(' ');
+        out.push_back(first == std::string::npos ? "" : part.substr(first, part.find_last_not_of(' ') - first + 1));
+    }
     if (!out.empty() && out.back().empty()) out.pop_back();
+    out.resize(std::max<std::size_t>(out.size(), 4));
     return out;
 }
 
@@ -49,13 +46,12 @@ std::vector<Row> documentedRows() {
             continue;
         }
         const std::vector<std::string> c = cells(line);
-        if (c.size() >= 3 && c[0] == "Key" && c[1] == "Element" && c[2] == "Kind") {
+        if (c[0] == "Key" && c[1] == "Element" && c[2] == "Kind") {
             inTable = true;
             continue;
         }
-        if (!inTable || (c.size() > 0 && c[0].find("---") == 0)) continue;
-        rows.push_back({c.size() > 0 ? c[0] : "", c.size() > 1 ? c[1] : "", c.size() > 2 ? c[2] : "",
-                        c.size() > 3 ? c[3] : "", number});
+        if (!inTable || c[0].find("---") == 0) continue;
+        rows.push_back({c[0], c[1], c[2], c[3], number});
     }
     return rows;
 }

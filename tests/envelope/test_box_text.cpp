@@ -68,9 +68,7 @@ TEST(Placeholder, ParsesSourcesAlternativesAndKind) {
         Placeholder p;
         EXPECT_FALSE(ParsePlaceholder(inner, p)) << "{" << inner << "}";
     }
-}
-
-TEST(Placeholder, QuotedSourcesAreLiterals) {
+    // A quoted source is a literal.
     Placeholder p;
     ASSERT_TRUE(ParsePlaceholder("Q4 or '0'", p));
     ASSERT_EQ(p.sources.size(), 2u);

@@ -20,13 +20,11 @@ using Pairs = std::vector<std::pair<const char*, const char*>>;
 
 const char* const kCalculation = "Body/IRenvelope/CompanyTaxReturn/CompanyTaxCalculation";
 
-// The message of the boxes after a run of the calculator.
-std::unique_ptr<CXMLVar> messageAfterCalc(CMapStringToString& boxes) {
+void calc(CMapStringToString& boxes) {
     QuietErrors quiet;
     CString prefix;
     CMapStringToString out;
     ctv3_16(&boxes, &prefix, &out);
-    return std::unique_ptr<CXMLVar>(quick_govtalk(boxes));
 }
 
 std::string at(CXMLVar* message, const std::string& below) {
@@ -87,7 +85,8 @@ TEST_F(CurrentLawMessage, AssociatedCompaniesAheadOfTheYearsOnlyUnderCurrentLaw)
     };
     for (const Case& c : cases) {
         CMapStringToString boxes = envtest::boxesOf(c.boxes);
-        const std::unique_ptr<CXMLVar> message = messageAfterCalc(boxes);
+        calc(boxes);
+        const std::unique_ptr<CXMLVar> message(quick_govtalk(boxes));
         ASSERT_NE(message, nullptr);
         EXPECT_EQ(at(message.get(), "CorporationTaxChargeable"), c.chargeable) << c.what;
         EXPECT_EQ(at(message.get(), "MarginalReliefForRingFenceTrades"), c.relief) << c.what;
@@ -103,14 +102,10 @@ TEST_F(CurrentLawMessage, CountsWithoutATaxStillReachTheDocument) {
     const std::unique_ptr<CXMLVar> message(quick_govtalk(boxes));
     const CXMLVar* calculation = nodeAt(message.get(), kCalculation);
     ASSERT_NE(calculation, nullptr);
-    const auto& kids = calculation->children;
-    const auto chargeable = std::find_if(kids.begin(), kids.end(), [](const CXMLVar* c) {
-        return c->name == "CorporationTaxChargeable";
-    });
-    ASSERT_NE(chargeable, kids.end());
-    ASSERT_NE(chargeable + 1, kids.end());
-    EXPECT_EQ((*(chargeable + 1))->name, "CorporationTax");
-    EXPECT_EQ(envtest::compact(*chargeable), "CorporationTaxChargeable(AssociatedCompanies(ThisPeriod=2))");
+    EXPECT_NE(envtest::compact(calculation).find(
+                  " CorporationTaxChargeable(AssociatedCompanies(ThisPeriod=2)) CorporationTax="),
+              std::string::npos)
+        << envtest::compact(calculation);
     const std::vector<std::string> errors = errorTexts(boxes);
     EXPECT_TRUE(std::any_of(errors.begin(), errors.end(), [](const std::string& t) {
         return t.find("FinancialYearOne") != std::string::npos;
@@ -140,10 +135,7 @@ TEST_F(CurrentLawMessage, RulesOnTheReliefBox) {
     for (const Case& c : cases) {
         CMapStringToString boxes = envtest::boxesOf(consistent);
         boxes["rates"] = c.rates;
-        QuietErrors quiet;
-        CString prefix;
-        CMapStringToString out;
-        ctv3_16(&boxes, &prefix, &out);
+        calc(boxes);
         for (const auto& [key, value] : c.changed) boxes[key] = value;
         const std::vector<std::string> errors = errorTexts(boxes);
         EXPECT_EQ(hasCode(errors, "9216"), c.r9216) << c.what;

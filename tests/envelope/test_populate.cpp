@@ -22,78 +22,15 @@ std::string fill(const std::string& templ, const CMapStringToString& boxes, cons
     return compact(doc.get());
 }
 
-struct FillCase {
-    const char* what;
-    const char* templ;
-    std::vector<std::pair<const char*, const char*>> boxes;
-    const char* expected;
-};
-
-TEST(Populate, FillsPlaceholdersAndDropsWhatIsEmpty) {
-    const FillCase cases[] = {
-        {"a filled box", "<R><A>{Q1:amount}</A></R>", {{"Q1", "5"}}, "R(A=5.00)"},
-        {"an empty box leaves no element", "<R><A>{Q1:amount}</A><B>{Q2}</B></R>", {{"Q2", "x"}}, "R(B=x)"},
-        {"a computed nought leaves no element", "<R><A>{Q1:amount}</A></R>", {{"Q1", "0.000000"}}, "R"},
-        {"the word zero shows a nought", "<R><A>{Q1:amount}</A></R>", {{"Q1", "zero"}}, "R(A=0.00)"},
-        {"literal text stays", "<R><A>fixed</A></R>", {}, "R(A=fixed)"},
-        {"words around a box", "<R><A>{Q1} Ltd</A></R>", {{"Q1", "Acme"}}, "R(A=Acme Ltd)"},
-        {"words around an empty box go with it", "<R><A>{Q1} Ltd</A></R>", {}, "R"},
-        {"two boxes in one text, one empty", "<R><A>{Q1}-{Q2}</A></R>", {{"Q2", "b"}}, "R(A=-b)"},
-        {"the first filled alternative", "<R><A>{Q9 or Q1 or Q2}</A></R>", {{"Q1", "one"}, {"Q2", "two"}},
-         "R(A=one)"},
-        {"an alternative empty by its kind is passed over", "<R><A>{Q1 or Q2:amount}</A></R>",
-         {{"Q1", "0"}, {"Q2", "7"}}, "R(A=7.00)"},
-        {"a quoted text when no box is filled", "<R><A>{Q1 or '0'}</A></R>", {}, "R(A=0)"},
-        {"a box before the quoted text", "<R><A>{Q1 or '0'}</A></R>", {{"Q1", "3"}}, "R(A=3)"},
-        {"an attribute from a box", "<R T=\"{kind or 'new'}\"/>", {{"kind", "amended"}}, "R[T=amended]"},
-        {"an attribute from its default", "<R T=\"{kind or 'new'}\"/>", {}, "R[T=new]"},
-        {"an empty attribute is left out", "<R T=\"{kind}\" U=\"u\"/>", {}, "R[U=u]"},
-        {"an empty conditional section goes", "<R><S if=\"filled\"><A>{Q1}</A></S><B>{Q2}</B></R>", {{"Q2", "b"}},
-         "R(B=b)"},
-        {"a filled conditional section stays", "<R><S if=\"filled\"><A>{Q1}</A><C>{Q3}</C></S></R>", {{"Q1", "a"}},
-         "R(S(A=a))"},
-        {"a section without the mark stays empty", "<R><S><A>{Q1}</A></S></R>", {}, "R(S)"},
-        {"nested empty sections all go", "<R><S if=\"filled\"><T if=\"filled\"><A>{Q1}</A></T></S></R>", {}, "R"},
-        {"a section kept by a deeper box", "<R><S if=\"filled\"><T if=\"filled\"><A>{Q1:flag}</A></T></S></R>",
-         {{"Q1", "y"}}, "R(S(T(A=yes)))"},
-        {"a conditional literal keeps its section", "<R><S if=\"filled\"><A>fixed</A></S></R>", {}, "R(S(A=fixed))"},
-        {"malformed braces stay as text", "<R><A>{not a box}</A><B>{Q1</B></R>", {{"Q1", "x"}},
-         "R(A={not a box} B={Q1)"},
-        {"a box text with markup characters", "<R><A>{Q1}</A></R>", {{"Q1", "A & B <Ltd>"}}, "R(A=A & B <Ltd>)"},
-    };
-    for (const FillCase& c : cases) EXPECT_EQ(fill(c.templ, envtest::boxesOf(c.boxes)), c.expected) << c.what;
-}
-
-TEST(Populate, RepeatsOneElementPerRowInNumberOrder) {
-    const char* templ =
-        "<R><L if=\"filled\"><Loan repeat=\"rows\"><N>{QA10A.#}</N><B>{QA10B.#:amount}</B></Loan>"
-        "<T>{QA15:amount}</T></L></R>";
-    const FillCase cases[] = {
-        {"no rows", templ, {}, "R"},
-        {"rows with gaps, in number order",
-         templ,
-         {{"QA10A.10", "Ten"}, {"QA10B.3", "300"}, {"QA10A.1", "One"}, {"QA10B.1", "100"}},
-         "R(L(Loan(N=One B=100.00) Loan(B=300.00) Loan(N=Ten)))"},
-        {"rows of computed noughts vanish",
-         templ,
-         {{"QA10B.1", "0.000000"}, {"QA10B.2", "250"}, {"QA10B.3", "0.000000"}, {"QA15", "250.000000"}},
-         "R(L(Loan(B=250.00) T=250.00))"},
-        {"a row written 01 is a row of its own",
-         templ,
-         {{"QA10A.01", "Zero-one"}, {"QA10A.1", "One"}},
-         "R(L(Loan(N=Zero-one) Loan(N=One)))"},
-        {"keys that are no row are passed over",
-         templ,
-         {{"QA10A.x", "no"}, {"QA10A.", "no"}, {"QA10A.1a", "no"}, {"QA10A.1234567890", "no"}, {"QA10AB.1", "no"},
-          {"QA10A.2", "Two"}},
-         "R(L(Loan(N=Two)))"},
-        {"a row key outside a repeat reads nothing", "<R><A>{Q1.#}</A></R>", {{"Q1.1", "x"}}, "R"},
-        {"repeats don't nest: a row mark inside a row is that row's number",
-         "<R><G repeat=\"rows\"><N>{QX.#}</N><H repeat=\"rows\"><M>{QY.#}</M></H></G></R>",
-         {{"QX.1", "a"}, {"QY.1", "b"}, {"QY.2", "c"}},
-         "R(G(N=a H(M=b)) G(H(M=c)))"},
-    };
-    for (const FillCase& c : cases) EXPECT_EQ(fill(c.templ, envtest::boxesOf(c.boxes)), c.expected) << c.what;
+// The cases of tests/data/populate_cases.tsv: what, template, key=value|...,
+// the filled tree.
+TEST(Populate, FillsPlaceholdersRepeatsRowsAndDropsWhatIsEmpty) {
+    int cases = 0;
+    for (const std::vector<std::string>& f : envtest::tableRows("tests/data/populate_cases.tsv", 4)) {
+        EXPECT_EQ(fill(f[1], envtest::boxesOfText(f[2])), f[3]) << f[0];
+        ++cases;
+    }
+    EXPECT_EQ(cases, 30);
 }
 
 TEST(Populate, ThePrefixGoesInFrontOfEveryKey) {

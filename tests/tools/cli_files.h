@@ -8,6 +8,8 @@
 #include <iterator>
 #include <string>
 
+#include "support/run_cli.h"
+
 namespace clitest {
 
 inline std::filesystem::path scratch(const std::string& name) {
@@ -36,22 +38,9 @@ inline int count(const std::string& text, const std::string& part) {
     return n;
 }
 
-}  // namespace clitest
-
-#include <cstdio>
-
-namespace clitest {
-
 // Standard output alone, standard error dropped: for output that must parse.
 inline std::string stdoutOf(const std::string& arguments, const std::string& environment = "") {
-    const std::string command = environment + " " + std::string(CT600_CLI) + " " + arguments + " 2>/dev/null";
-    std::string out;
-    FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe) return out;
-    char buffer[4096];
-    for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) out.append(buffer, n);
-    pclose(pipe);
-    return out;
+    return RunShell(environment + " " + std::string(CT600_CLI) + " " + arguments + " 2>/dev/null").out;
 }
 
 }  // namespace clitest

@@ -1,10 +1,6 @@
 // 'ct600 report': the recalculated return and its worked computation as one page.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <sstream>
 #include <string>
 
 #include "support/run_cli.h"
@@ -143,28 +139,17 @@ TEST(ReportPage, BadInputAndUsage) {
     }
 }
 
-bool onPath(const std::string& program) {
-    const char* path = std::getenv("PATH");
-    std::istringstream dirs(path ? path : "");
-    for (std::string dir; std::getline(dirs, dir, ':');)
-        if (!dir.empty() && access((dir + "/" + program).c_str(), X_OK) == 0) return true;
-    return false;
-}
-
 // What a browser makes of the page: the DOM after parsing, fragment included.
 TEST(ReportPage, RendersInHeadlessChromium) {
-    if (!onPath("chromium")) GTEST_SKIP() << "chromium is not on PATH; the page is not rendered";
+    if (RunShell("command -v chromium >/dev/null").status != 0) GTEST_SKIP() << "chromium is not on PATH; the page is not rendered";
     const std::string page = scratch("render.html").string();
     ASSERT_EQ(RunCli("report -o " + page + " " + example("sample-return.json")).status, 0);
     const std::string profile = scratch("chromium-profile").string();
     const std::string command = "timeout 120 chromium --headless --disable-gpu --no-sandbox --user-data-dir=" +
                                 profile + " --dump-dom file://" + page + " 2>/dev/null";
-    FILE* pipe = popen(command.c_str(), "r");
-    ASSERT_NE(pipe, nullptr);
-    std::string dom;
-    char buffer[4096];
-    for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) dom.append(buffer, n);
-    ASSERT_EQ(pclose(pipe), 0) << dom;
+    const CliOutcome rendered = RunShell(command);
+    const std::string& dom = rendered.out;
+    ASSERT_EQ(rendered.status, 0) << dom;
 
     EXPECT_NE(dom.find("<title>Corporation tax computation: Example Trading Limited</title>"), std::string::npos);
     EXPECT_NE(dom.find("<h1>Example Trading Limited</h1>"), std::string::npos) << dom;
