@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <fstream>
+#include <sstream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -13,46 +15,26 @@
 
 namespace {
 
-struct NodeCase {
-    const char* why;
-    const char* xml;  // null: no node
-    bool isTrue;
-    double number;
-    const char* text;
-};
-
+// Cases in tests/data/rule_value_nodes.tsv.
 TEST(RuleValue, ReadsNodes) {
-    const NodeCase cases[] = {
-        {"absent node", nullptr, false, 0, "0"},
-        {"empty leaf", "<A/>", false, 0, ""},
-        {"leaf holding 0 is completed", "<A>0</A>", true, 0, "0"},
-        {"leaf holding 0.00", "<A>0.00</A>", true, 0, "0.00"},
-        {"whole amount", "<A>1500</A>", true, 1500, "1500"},
-        {"amount with pence", "<A>1500.50</A>", true, 1500.5, "1500.50"},
-        {"negative amount", "<A>-12</A>", true, -12, "-12"},
-        {"container, whatever its value", "<A>stray<B>1</B></A>", true, 1, "1"},
-        {"yes counts its length", "<A>yes</A>", true, 3, "yes"},
-        {"no counts its length", "<A>no</A>", true, 2, "no"},
-        {"a date stays a text", "<A>2015-04-01</A>", true, 10, "2015-04-01"},
-        {"a date behind a minus is no number either", "<A>-2015-04-01</A>", true, 11, "-2015-04-01"},
-        {"three digits: no read past the end", "<A>123</A>", true, 123, "123"},
-        {"hyphen at index 5 is no date", "<A>12345-6</A>", true, 12345, "12345-6"},
-        {"leading digits make a number", "<A>12abc</A>", true, 12, "12abc"},
-        {"leading point is no number", "<A>.5</A>", true, 2, ".5"},
-        {"plus sign is no number", "<A>+5</A>", true, 2, "+5"},
-        {"leading blank is no number", "<A> 5</A>", true, 2, " 5"},
-        {"lone minus", "<A>-</A>", true, 1, "-"},
-        {"attributes play no part", "<A Type=\"x\"/>", false, 0, ""},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.why);
-        std::unique_ptr<CXMLVar> node(c.xml ? rulestest::parse(c.xml) : nullptr);
+    std::ifstream in(CT600_SOURCE_DIR "/tests/data/rule_value_nodes.tsv");
+    int n = 0;
+    for (std::string line; std::getline(in, line);) {
+        if (line.empty() || line[0] == '#') continue;
+        std::vector<std::string> f;
+        std::stringstream cells(line);
+        for (std::string cell; std::getline(cells, cell, '\t');) f.push_back(cell);
+        f.resize(5);
+        SCOPED_TRACE(f[0]);
+        std::unique_ptr<CXMLVar> node(f[1] != "-" ? rulestest::parse(f[1].c_str()) : nullptr);
         CRuleValue v;
         v.SetNode(node.get());
-        EXPECT_EQ(v.IsTrue(), c.isTrue);
-        EXPECT_EQ(v.Number(), c.number);
-        EXPECT_EQ(std::string(v.Text()), c.text);
+        EXPECT_EQ(v.IsTrue(), f[2] == "1");
+        EXPECT_EQ(v.Number(), std::stod(f[3]));
+        EXPECT_EQ(std::string(v.Text()), f[4]);
+        ++n;
     }
+    EXPECT_EQ(n, 20);
 }
 
 TEST(RuleValue, NumericText) {
