@@ -109,43 +109,34 @@ constexpr Made leaf(const char* t) { return {Made::Leaf, t, 0}; }
 constexpr Made text(const char* t) { return {Made::Text, t, 0}; }
 constexpr Made number(double x) { return {Made::Number, "", x}; }
 
+// Cases in tests/data/rule_value_comparisons.tsv.
 TEST(RuleValue, ComparesByTheRightOperand) {
-    const struct {
-        const char* why;
-        Made left, right;
-        bool equal, less, lessOrEqual, greaterOrEqual;
-        double product;
-    } cases[] = {
-        {"empty leaf equals empty text", leaf(""), text(""), true, false, true, true, 0},
-        {"empty leaf equals 0", leaf(""), number(0), true, false, true, true, 0},
-        {"absent equals 0", none, leaf("0"), true, false, true, true, 0},
-        {"absent against an empty leaf: both texts empty", none, leaf(""), true, false, true, true, 0},
-        {"amounts compare as numbers", leaf("100"), leaf("100.00"), true, false, true, true, 10000},
-        {"digits then text on the right is still a number", leaf("100"), leaf("100.00x"), true, false, true, true,
-         10000},
-        {"text on the right compares bytes", leaf("100"), leaf("x100"), false, false, false, true, 400},
-        {"names starting 123 compare as numbers", leaf("123 Ltd"), leaf("123 Limited"), true, false, true, true,
-         15129},
-        {"names starting with a letter compare bytes", leaf("Acme Ltd"), leaf("Acme Ltd"), true, false, true, true,
-         64},
-        {"different names of one length", leaf("Acme"), leaf("Bcme"), false, false, true, true, 16},
-        {"number left, text right: left's text is empty", number(5), text("x5"), false, false, false, true, 10},
-        {"so a number equals the empty text", number(5), text(""), true, false, false, true, 0},
-        {"text left, number right: left counts its length", leaf("yes"), number(3), true, false, true, true, 9},
-        {"dates order by length only", leaf("2016-01-01"), leaf("2015-12-31"), false, false, true, true, 100},
-        {"container against 1", container, number(1), true, false, true, true, 1},
-        {"container against its own value", container, text("stray"), false, true, true, false, 5},
-        {"negative against absent", leaf("-1"), none, false, true, true, false, 0},
+    const auto madeOf = [](const std::string& t) {
+        const std::string rest = t.substr(t.find(':') + 1);
+        if (t == "none") return make(none);
+        if (t == "container") return make(container);
+        if (t.rfind("leaf:", 0) == 0) return make(leaf(rest.c_str()));
+        if (t.rfind("text:", 0) == 0) return make(text(rest.c_str()));
+        return make(number(std::stod(rest)));
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.why);
-        const CRuleValue a = make(c.left), b = make(c.right);
-        EXPECT_EQ(a == b, c.equal);
-        EXPECT_EQ(a < b, c.less);
-        EXPECT_EQ(a <= b, c.lessOrEqual);
-        EXPECT_EQ(a >= b, c.greaterOrEqual);
-        EXPECT_EQ(a * b, c.product);
+    std::ifstream in(CT600_SOURCE_DIR "/tests/data/rule_value_comparisons.tsv");
+    int n = 0;
+    for (std::string line; std::getline(in, line);) {
+        if (line.empty() || line[0] == '#') continue;
+        std::vector<std::string> f;
+        std::stringstream cells(line);
+        for (std::string cell; std::getline(cells, cell, '\t');) f.push_back(cell);
+        ASSERT_EQ(f.size(), 8u) << line;
+        SCOPED_TRACE(f[0]);
+        const CRuleValue a = madeOf(f[1]), b = madeOf(f[2]);
+        EXPECT_EQ(a == b, f[3] == "1");
+        EXPECT_EQ(a < b, f[4] == "1");
+        EXPECT_EQ(a <= b, f[5] == "1");
+        EXPECT_EQ(a >= b, f[6] == "1");
+        EXPECT_EQ(a * b, std::stod(f[7]));
+        ++n;
     }
+    EXPECT_EQ(n, 17);
 }
 
 TEST(RuleValue, OrOperatorsAndTheirLogLine) {
