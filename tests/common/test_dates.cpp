@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <fstream>
 #include <initializer_list>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include "common/library.h"
 
@@ -85,42 +88,30 @@ TEST(Dates, AtoTGivesNoon) {
     EXPECT_EQ((AtoT("01/03/2016") - AtoT("28/02/2016")).GetTotalSeconds(), 2 * 86400);
 }
 
+// Cases in tests/data/durations.tsv.
 TEST(Durations, Iso8601Parts) {
-    struct Case {
-        const char* text;
-        int seconds, days, hours, minutes, weeks, months, years;
-        bool valid;
-    };
-    const Case cases[] = {
-        {"P1Y30D", 0, 30, 0, 0, 0, 0, 1, true},    {"-P12M", 0, 0, 0, 0, 0, -12, 0, true},
-        {"-P9M1D", 0, -1, 0, 0, 0, -9, 0, true},   {"P3M", 0, 0, 0, 0, 0, 3, 0, true},
-        {"PT5H", 0, 0, 5, 0, 0, 0, 0, true},       {"P2W", 0, 0, 0, 0, 2, 0, 0, true},
-        {"PT1M", 0, 0, 0, 1, 0, 0, 0, true},       {" P1D ", 0, 1, 0, 0, 0, 0, 0, true},
-        {"P1Y2M3W4DT5H6M7S", 7, 4, 5, 6, 3, 2, 1, true},
-        {"P99999999999D", 0, 2147483647, 0, 0, 0, 0, 0, true},
-        {"P", 0, 0, 0, 0, 0, 0, 0, false},        {"12M", 0, 0, 0, 0, 0, 0, 0, false},
-        {"P1Y2", 0, 0, 0, 0, 0, 0, 0, false},     {"PT", 0, 0, 0, 0, 0, 0, 0, false},
-        {"P1DT", 0, 0, 0, 0, 0, 0, 0, false},     {"P1D1Y", 0, 0, 0, 0, 0, 0, 0, false},
-        {"P1M1M", 0, 0, 0, 0, 0, 0, 0, false},    {"P1H", 0, 0, 0, 0, 0, 0, 0, false},
-        {"P1.5Y", 0, 0, 0, 0, 0, 0, 0, false},    {"--P1D", 0, 0, 0, 0, 0, 0, 0, false},
-        {"", 0, 0, 0, 0, 0, 0, 0, false},
-    };
-    for (const auto& c : cases) {
-        int s = 9, d = 9, h = 9, mi = 9, w = 9, mo = 9, y = 9;
+    std::ifstream in(CT600_SOURCE_DIR "/tests/data/durations.tsv");
+    int n = 0;
+    for (std::string line; std::getline(in, line);) {
+        if (line.empty() || line[0] == '#') continue;
+        std::stringstream row(line);
+        std::string text;
+        std::getline(row, text, '\t');
+        std::vector<int> expected(7);
+        int valid = -1;
+        for (int& part : expected) row >> part;
+        ASSERT_TRUE(row >> valid) << line;
+        std::vector<int> got(7, 9);
         CString message("stale");
-        ansi_duration(c.text, s, d, h, mi, w, mo, y, message);
-        EXPECT_EQ(s, c.seconds) << c.text;
-        EXPECT_EQ(d, c.days) << c.text;
-        EXPECT_EQ(h, c.hours) << c.text;
-        EXPECT_EQ(mi, c.minutes) << c.text;
-        EXPECT_EQ(w, c.weeks) << c.text;
-        EXPECT_EQ(mo, c.months) << c.text;
-        EXPECT_EQ(y, c.years) << c.text;
-        EXPECT_EQ(message.IsEmpty(), c.valid) << c.text;
-        if (!c.valid) {
+        ansi_duration(text.c_str(), got[0], got[1], got[2], got[3], got[4], got[5], got[6], message);
+        EXPECT_EQ(got, expected) << text;
+        EXPECT_EQ(message.IsEmpty(), valid == 1) << text;
+        if (valid == 0) {
             EXPECT_NE(message.Find("invalid duration"), -1);
         }
+        ++n;
     }
+    EXPECT_EQ(n, 21);
     int s, d, h, mi, w, mo, y;
     CString message;
     ansi_duration(nullptr, s, d, h, mi, w, mo, y, message);

@@ -1,60 +1,37 @@
 // Rates, limits and relief by financial year.
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <memory>
+#include <sstream>
 
 #include "liability/liability.h"
 #include "support.h"
 
 namespace {
 
-struct RateCase {
-    const char* why;
-    int year;
-    double profit, basic;
-    int associates, days, type;
-    double rate, msrr, mscr;
-};
-
+// Cases in tests/data/rate_ladder_cases.tsv.
 TEST(CTrate, LadderBoundaries) {
-    const RateCase cases[] = {
-        {"profit at the lower limit: small rate, no relief", 2010, 300000, 300000, 0, 365, 0, 21, 0, 0},
-        {"a pound above: main rate with relief", 2010, 300001, 300001, 0, 365, 0, 28, 0, 1199999 * 7 / 400.0},
-        {"at the upper limit: in the band, relief 0", 2010, 1500000, 1500000, 0, 365, 0, 28, 0, 0},
-        {"above the upper limit", 2010, 1500001, 1500001, 0, 365, 0, 28, 0, 0},
-        {"at the starting lower limit, 2000", 2000, 10000, 10000, 0, 365, 0, 10, 0, 0},
-        {"at the starting lower limit, 2003: nil rate", 2003, 10000, 10000, 0, 365, 0, 0, 0, 0},
-        {"starting rate relief 1/40", 2001, 10001, 10001, 0, 365, 0, 20, 39999 / 40.0, 0},
-        {"starting rate relief 19/400", 2004, 30000, 30000, 0, 365, 0, 19, 950, 0},
-        {"at the starting upper limit: relief 0", 2002, 50000, 50000, 0, 365, 0, 19, 0, 0},
-        {"no starting rate relief from 2006", 2006, 20000, 20000, 0, 365, 0, 19, 0, 0},
-        {"apportioned profit of 0: main rate", 2010, 100000, 0, 0, 365, 0, 28, 0, 0},
-        {"2015 fraction 0/100", 2015, 400000, 400000, 0, 365, 0, 20, 0, 0},
-        {"3/200 in 2011", 2011, 400000, 400000, 0, 365, 0, 26, 0, 16500},
-        {"floor of the ladder", 1950, 2000000, 2000000, 0, 365, 0, 31, 0, 0},
-        {"ceiling of the ladder", 2100, 2000000, 2000000, 0, 365, 0, 19, 0, 0},
-        {"reduced lower limit 74794 holds", 2008, 74794, 74794, 1, 182, 0, 21, 0, 0},
-        {"a pound above it", 2008, 74795, 74795, 1, 182, 0, 28, 0, (373972 - 74795) * 7 / 400.0},
-        {"364 days scale the limits", 2010, 299179, 299179, 0, 364, 0, 28, 0, (1495890 - 299179) * 7 / 400.0},
-        {"365 days don't", 2010, 299179, 299179, 0, 365, 0, 21, 0, 0},
-        {"open ended investment trust, 2017", 2017, 100000, 100000, 0, 365, 1, 20, 0, 0},
-        {"open ended investment trust, 1990", 1990, 100000, 100000, 0, 365, 1, 20, 0, 0},
-        {"standard rate ladder, small profit", 2010, 1000, 1000, 0, 100, 2, 28, 0, 0},
-        {"standard rate ladder has no 31", 1998, 100000, 100000, 0, 365, 3, 30, 0, 0},
-        {"standard rate ladder ceiling", 2017, 100000, 100000, 0, 365, 2, 19, 0, 0},
-    };
-    for (const auto& c : cases) {
-        double msrr = 0, mscr = 0;
+    std::ifstream in(CT600_SOURCE_DIR "/tests/data/rate_ladder_cases.tsv");
+    int n = 0;
+    for (std::string line; std::getline(in, line);) {
+        if (line.empty() || line[0] == '#') continue;
+        std::stringstream row(line);
+        std::string why;
+        std::getline(row, why, '\t');
+        int year, associates, days, type;
+        double profit, basic, rate, msrr0, mscr0, msrr = 0, mscr = 0;
+        ASSERT_TRUE(row >> year >> profit >> basic >> associates >> days >> type >> rate >> msrr0 >> mscr0) << line;
         CString text, margin;
-        const double rate =
-            CTrate(c.year, c.profit, c.basic, msrr, mscr, text, margin, c.associates, c.days, nullptr, c.type);
-        EXPECT_EQ(rate, c.rate) << c.why;
-        EXPECT_NEAR(msrr, c.msrr, 1e-6) << c.why;
-        EXPECT_NEAR(mscr, c.mscr, 1e-6) << c.why;
-        if (c.msrr == 0 && c.mscr == 0) {
-            EXPECT_EQ(margin, "") << c.why;
+        EXPECT_EQ(CTrate(year, profit, basic, msrr, mscr, text, margin, associates, days, nullptr, type), rate) << why;
+        EXPECT_NEAR(msrr, msrr0, 1e-6) << why;
+        EXPECT_NEAR(mscr, mscr0, 1e-6) << why;
+        if (msrr0 == 0 && mscr0 == 0) {
+            EXPECT_EQ(margin, "") << why;
         }
+        ++n;
     }
+    EXPECT_EQ(n, 24);
 }
 
 TEST(CTrate, PublishedMainAndSmallCompaniesRates) {

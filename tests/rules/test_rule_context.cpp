@@ -1,7 +1,10 @@
 // Path tables, the walk, selection, and the Errors document.
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <memory>
+#include <sstream>
+#include <vector>
 #include <string>
 
 #include "rules/catalogue/catalogue.h"
@@ -65,43 +68,25 @@ TEST_F(RuleContextTest, PathTablesAreSharedAndUseTheStepConstants) {
     EXPECT_FALSE(ctx.IsParentStep("."));
 }
 
+// Cases in tests/data/rule_context_walks.tsv.
 TEST_F(RuleContextTest, WalksFromTheCurrentNode) {
-    const struct {
-        const char* standOn;
-        const char* path;
-        int count;
-        double sum;
-        const char* firstText;  // Value(path).Text()
-    } cases[] = {
-        {"~/Loans", "Loan/Amount", 3, 350.5, "100"},
-        {"~/Loans", "Loan", 3, 0, "1"},
-        {"~/Loans", "Loans/Amount", 1, 7, "7"},
-        {"~/Loans/Loan/Amount", "../Date", 1, 2015, "2015-04-01"},
-        {"~/Loans/Loan/Amount", "../../Loan/Amount", 3, 350.5, "100"},
-        {"~/Loans/Loan/Amount", "../../../@ReturnType", 1, 0, "new"},
-        {"~/Loans/Loan", "@Filename", 1, 0, "one"},
-        {"~/Loans/Loan", "@Missing", 0, 0, "0"},
-        {"~/Loans/Loan", "Nothing/Here", 0, 0, "0"},
-        {"~/Loans", "../Empty", 1, 0, ""},
-        {"~/Loans", "..", 1, 0, "1"},
-        {"~/Loans", "../../../../../..", 0, 0, "0"},
-        {"~/Loans", "~/Instance/InlineXBRLDocument", 3, 0, "a"},
-        {"~/Instance/InlineXBRLDocument", "./../InlineXBRLDocument", 3, 0, "a"},
-        {"~/Instance", "InlineXBRLDocument[@entryPoint]", 1, 0, "a"},
-        {"~/Instance", "EncodedInlineXBRLDocument[@entryPoint]", 0, 0, "0"},
-        {"~/Instance", ".", 1, 0, "1"},
-        {"~/Loans", "/GovTalkMessage", 1, 0, "1"},
-        {"~/Loans", "/", 1, 0, "1"},
-        {"~/Loans", "Loan/amount", 0, 0, "0"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(std::string(c.standOn) + " : " + c.path);
-        standOn(c.standOn);
-        PathTable table = MakePathTable(c.path);
-        EXPECT_EQ(ctx.Count(table), c.count);
-        EXPECT_DOUBLE_EQ(ctx.Sum(table), c.sum);
-        EXPECT_EQ(std::string(ctx.Value(table).Text()), c.firstText);
+    std::ifstream in(CT600_SOURCE_DIR "/tests/data/rule_context_walks.tsv");
+    int n = 0;
+    for (std::string line; std::getline(in, line);) {
+        if (line.empty() || line[0] == '#') continue;
+        std::vector<std::string> f;
+        std::stringstream cells(line);
+        for (std::string cell; std::getline(cells, cell, '\t');) f.push_back(cell);
+        f.resize(5);
+        SCOPED_TRACE(f[0] + " : " + f[1]);
+        standOn(f[0].c_str());
+        PathTable table = MakePathTable(f[1].c_str());
+        EXPECT_EQ(ctx.Count(table), std::stoi(f[2]));
+        EXPECT_DOUBLE_EQ(ctx.Sum(table), std::stod(f[3]));
+        EXPECT_EQ(std::string(ctx.Value(table).Text()), f[4]);
+        ++n;
     }
+    EXPECT_EQ(n, 20);
 }
 
 TEST_F(RuleContextTest, RootIsReachedWhateverItsName) {

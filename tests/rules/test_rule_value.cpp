@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <fstream>
+#include <sstream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -13,46 +15,26 @@
 
 namespace {
 
-struct NodeCase {
-    const char* why;
-    const char* xml;  // null: no node
-    bool isTrue;
-    double number;
-    const char* text;
-};
-
+// Cases in tests/data/rule_value_nodes.tsv.
 TEST(RuleValue, ReadsNodes) {
-    const NodeCase cases[] = {
-        {"absent node", nullptr, false, 0, "0"},
-        {"empty leaf", "<A/>", false, 0, ""},
-        {"leaf holding 0 is completed", "<A>0</A>", true, 0, "0"},
-        {"leaf holding 0.00", "<A>0.00</A>", true, 0, "0.00"},
-        {"whole amount", "<A>1500</A>", true, 1500, "1500"},
-        {"amount with pence", "<A>1500.50</A>", true, 1500.5, "1500.50"},
-        {"negative amount", "<A>-12</A>", true, -12, "-12"},
-        {"container, whatever its value", "<A>stray<B>1</B></A>", true, 1, "1"},
-        {"yes counts its length", "<A>yes</A>", true, 3, "yes"},
-        {"no counts its length", "<A>no</A>", true, 2, "no"},
-        {"a date stays a text", "<A>2015-04-01</A>", true, 10, "2015-04-01"},
-        {"a date behind a minus is no number either", "<A>-2015-04-01</A>", true, 11, "-2015-04-01"},
-        {"three digits: no read past the end", "<A>123</A>", true, 123, "123"},
-        {"hyphen at index 5 is no date", "<A>12345-6</A>", true, 12345, "12345-6"},
-        {"leading digits make a number", "<A>12abc</A>", true, 12, "12abc"},
-        {"leading point is no number", "<A>.5</A>", true, 2, ".5"},
-        {"plus sign is no number", "<A>+5</A>", true, 2, "+5"},
-        {"leading blank is no number", "<A> 5</A>", true, 2, " 5"},
-        {"lone minus", "<A>-</A>", true, 1, "-"},
-        {"attributes play no part", "<A Type=\"x\"/>", false, 0, ""},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.why);
-        std::unique_ptr<CXMLVar> node(c.xml ? rulestest::parse(c.xml) : nullptr);
+    std::ifstream in(CT600_SOURCE_DIR "/tests/data/rule_value_nodes.tsv");
+    int n = 0;
+    for (std::string line; std::getline(in, line);) {
+        if (line.empty() || line[0] == '#') continue;
+        std::vector<std::string> f;
+        std::stringstream cells(line);
+        for (std::string cell; std::getline(cells, cell, '\t');) f.push_back(cell);
+        f.resize(5);
+        SCOPED_TRACE(f[0]);
+        std::unique_ptr<CXMLVar> node(f[1] != "-" ? rulestest::parse(f[1].c_str()) : nullptr);
         CRuleValue v;
         v.SetNode(node.get());
-        EXPECT_EQ(v.IsTrue(), c.isTrue);
-        EXPECT_EQ(v.Number(), c.number);
-        EXPECT_EQ(std::string(v.Text()), c.text);
+        EXPECT_EQ(v.IsTrue(), f[2] == "1");
+        EXPECT_EQ(v.Number(), std::stod(f[3]));
+        EXPECT_EQ(std::string(v.Text()), f[4]);
+        ++n;
     }
+    EXPECT_EQ(n, 20);
 }
 
 TEST(RuleValue, NumericText) {
@@ -127,43 +109,34 @@ constexpr Made leaf(const char* t) { return {Made::Leaf, t, 0}; }
 constexpr Made text(const char* t) { return {Made::Text, t, 0}; }
 constexpr Made number(double x) { return {Made::Number, "", x}; }
 
+// Cases in tests/data/rule_value_comparisons.tsv.
 TEST(RuleValue, ComparesByTheRightOperand) {
-    const struct {
-        const char* why;
-        Made left, right;
-        bool equal, less, lessOrEqual, greaterOrEqual;
-        double product;
-    } cases[] = {
-        {"empty leaf equals empty text", leaf(""), text(""), true, false, true, true, 0},
-        {"empty leaf equals 0", leaf(""), number(0), true, false, true, true, 0},
-        {"absent equals 0", none, leaf("0"), true, false, true, true, 0},
-        {"absent against an empty leaf: both texts empty", none, leaf(""), true, false, true, true, 0},
-        {"amounts compare as numbers", leaf("100"), leaf("100.00"), true, false, true, true, 10000},
-        {"digits then text on the right is still a number", leaf("100"), leaf("100.00x"), true, false, true, true,
-         10000},
-        {"text on the right compares bytes", leaf("100"), leaf("x100"), false, false, false, true, 400},
-        {"names starting 123 compare as numbers", leaf("123 Ltd"), leaf("123 Limited"), true, false, true, true,
-         15129},
-        {"names starting with a letter compare bytes", leaf("Acme Ltd"), leaf("Acme Ltd"), true, false, true, true,
-         64},
-        {"different names of one length", leaf("Acme"), leaf("Bcme"), false, false, true, true, 16},
-        {"number left, text right: left's text is empty", number(5), text("x5"), false, false, false, true, 10},
-        {"so a number equals the empty text", number(5), text(""), true, false, false, true, 0},
-        {"text left, number right: left counts its length", leaf("yes"), number(3), true, false, true, true, 9},
-        {"dates order by length only", leaf("2016-01-01"), leaf("2015-12-31"), false, false, true, true, 100},
-        {"container against 1", container, number(1), true, false, true, true, 1},
-        {"container against its own value", container, text("stray"), false, true, true, false, 5},
-        {"negative against absent", leaf("-1"), none, false, true, true, false, 0},
+    const auto madeOf = [](const std::string& t) {
+        const std::string rest = t.substr(t.find(':') + 1);
+        if (t == "none") return make(none);
+        if (t == "container") return make(container);
+        if (t.rfind("leaf:", 0) == 0) return make(leaf(rest.c_str()));
+        if (t.rfind("text:", 0) == 0) return make(text(rest.c_str()));
+        return make(number(std::stod(rest)));
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.why);
-        const CRuleValue a = make(c.left), b = make(c.right);
-        EXPECT_EQ(a == b, c.equal);
-        EXPECT_EQ(a < b, c.less);
-        EXPECT_EQ(a <= b, c.lessOrEqual);
-        EXPECT_EQ(a >= b, c.greaterOrEqual);
-        EXPECT_EQ(a * b, c.product);
+    std::ifstream in(CT600_SOURCE_DIR "/tests/data/rule_value_comparisons.tsv");
+    int n = 0;
+    for (std::string line; std::getline(in, line);) {
+        if (line.empty() || line[0] == '#') continue;
+        std::vector<std::string> f;
+        std::stringstream cells(line);
+        for (std::string cell; std::getline(cells, cell, '\t');) f.push_back(cell);
+        ASSERT_EQ(f.size(), 8u) << line;
+        SCOPED_TRACE(f[0]);
+        const CRuleValue a = madeOf(f[1]), b = madeOf(f[2]);
+        EXPECT_EQ(a == b, f[3] == "1");
+        EXPECT_EQ(a < b, f[4] == "1");
+        EXPECT_EQ(a <= b, f[5] == "1");
+        EXPECT_EQ(a >= b, f[6] == "1");
+        EXPECT_EQ(a * b, std::stod(f[7]));
+        ++n;
     }
+    EXPECT_EQ(n, 17);
 }
 
 TEST(RuleValue, OrOperatorsAndTheirLogLine) {
