@@ -46,16 +46,8 @@ protected:
 
 // Cases in tests/data/current_law_cases.tsv, each with its working.
 TEST_F(CurrentLaw, ReturnsWorkedByHand) {
-    std::ifstream in(CT600_SOURCE_DIR "/tests/data/current_law_cases.tsv");
-    std::vector<std::string> keys;
-    int n = 0;
-    for (std::string line; std::getline(in, line);) {
-        std::vector<std::string> f;
-        std::stringstream cells(line);
-        for (std::string cell; std::getline(cells, cell, '\t');) f.push_back(cell);
-        f.resize(16);
-        if (line.rfind("# why", 0) == 0) keys = f;
-        if (line.empty() || line[0] == '#') continue;
+    const int n = forEachCase("current_law_cases.tsv", 16, "# why",
+                              [&](const std::vector<std::string>& f, const std::vector<std::string>& keys) {
         boxes.RemoveAll();
         out.RemoveAll();
         boxes["rates"] = "current";
@@ -65,8 +57,7 @@ TEST_F(CurrentLaw, ReturnsWorkedByHand) {
         Texts expected;
         for (int k = 5; k < 16; ++k) expected.push_back({keys[k].c_str(), f[k].c_str()});
         expectResults(boxes, expected, f[0]);
-        ++n;
-    }
+    });
     EXPECT_EQ(n, 18);
 }
 

@@ -33,23 +33,14 @@ CMapStringToString charge(const Inputs& in, CMapStringToString* boxesOut = nullp
 
 // Cases in tests/data/charge16_cases.tsv, with the working where it isn't plain.
 TEST(CTcharge16, ResultsByScenario) {
-    std::ifstream in(CT600_SOURCE_DIR "/tests/data/charge16_cases.tsv");
-    std::vector<std::string> keys;
-    int n = 0;
-    for (std::string line; std::getline(in, line);) {
-        std::vector<std::string> f;
-        std::stringstream cells(line);
-        for (std::string cell; std::getline(cells, cell, '\t');) f.push_back(cell);
-        f.resize(16);
-        if (line.rfind("# why", 0) == 0) keys = f;
-        if (line.empty() || line[0] == '#') continue;
+    const int n = forEachCase("charge16_cases.tsv", 16, "# why",
+                              [&](const std::vector<std::string>& f, const std::vector<std::string>& keys) {
         const CMapStringToString r = charge({f[1].c_str(), f[2].c_str(), f[3].c_str(), f[4].c_str(), f[5].c_str(),
                                              f[6].c_str(), f[7].c_str(), f[8].c_str()});
         Texts expected = {{"Q42", ""}, {"Q435", ""}, {"Q66", ""}, {"Q68", ""}, {"Q69", ""}, {"Q345", "<unset>"}};
         for (int k = 9; k < 16; ++k) expected.push_back({keys[k].c_str(), f[k].c_str()});
         expectResults(r, expected, f[0].c_str());
-        ++n;
-    }
+    });
     EXPECT_EQ(n, 15);
 }
 

@@ -48,23 +48,14 @@ std::string chargeableInReport() {
 // Cases in tests/data/charge02_worked.tsv, each with its working: the inputs,
 // then the boxes the driver gives (empty: blank) and the report's last row.
 TEST(CTcharge02, ResultsWorkedByHand) {
-    std::ifstream in(CT600_SOURCE_DIR "/tests/data/charge02_worked.tsv");
-    std::vector<std::string> keys;
-    int n = 0;
-    for (std::string line; std::getline(in, line);) {
-        std::vector<std::string> f;
-        std::stringstream cells(line);
-        for (std::string cell; std::getline(cells, cell, '\t');) f.push_back(cell);
-        f.resize(17);
-        if (line.rfind("# working", 0) == 0) keys = f;
-        if (line.empty() || line[0] == '#') continue;
+    const int n = forEachCase("charge02_worked.tsv", 17, "# working",
+                              [&](const std::vector<std::string>& f, const std::vector<std::string>& keys) {
         const CMapStringToString r = charge02({f[1].c_str(), f[2].c_str(), f[3].c_str(), f[4].c_str(), f[5].c_str(),
                                                f[6].c_str(), f[7].c_str(), f[8].c_str()});
         for (int k = 9; k < 16; ++k) EXPECT_EQ(result(r, keys[k].c_str()), f[k]) << keys[k] << ": " << f[0];
         EXPECT_EQ(chargeableInReport(), f[16]) << f[0];
         EXPECT_EQ(r.GetCount(), 7) << f[0];  // no tree, no other key
-        ++n;
-    }
+    });
     EXPECT_EQ(n, 10);
 }
 

@@ -46,24 +46,15 @@ std::string total(const CMapStringToString& results) {
 // Cases in tests/data/charge05_worked.tsv, each with its working: the inputs,
 // then the boxes the driver gives (empty: blank) and the tree's Total.
 TEST(CTcharge05, ResultsWorkedByHand) {
-    std::ifstream in(CT600_SOURCE_DIR "/tests/data/charge05_worked.tsv");
-    std::vector<std::string> keys;
-    int n = 0;
-    for (std::string line; std::getline(in, line);) {
-        std::vector<std::string> f;
-        std::stringstream cells(line);
-        for (std::string cell; std::getline(cells, cell, '\t');) f.push_back(cell);
-        f.resize(23);
-        if (line.rfind("# working", 0) == 0) keys = f;
-        if (line.empty() || line[0] == '#') continue;
+    const int n = forEachCase("charge05_worked.tsv", 23, "# working",
+                              [&](const std::vector<std::string>& f, const std::vector<std::string>& keys) {
         const Inputs input{f[1].c_str(), f[2].c_str(), f[3].c_str(), f[4].c_str(), f[5].c_str(),
                            f[6].c_str(), f[7].c_str(), f[8].c_str(), f[9].c_str(), f[10].c_str()};
         const CMapStringToString r = charge05(input);
         for (int k = 11; k < 22; ++k) EXPECT_EQ(result(r, keys[k].c_str()), f[k]) << keys[k] << ": " << f[0];
         EXPECT_EQ(total(r), f[22]) << f[0];
         for (const char* unset : {"Q70", "Q330", "Q46"}) EXPECT_EQ(result(r, unset), "<unset>") << f[0];
-        ++n;
-    }
+    });
     EXPECT_EQ(n, 18);
 }
 
