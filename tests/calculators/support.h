@@ -12,6 +12,7 @@
 #include "common/library.h"
 #include "boxstore/calcbase.h"
 #include "support/capture.h"
+#include "support/table.h"
 
 using Nums = std::initializer_list<std::pair<const char*, double>>;
 using Texts = std::initializer_list<std::pair<const char*, const char*>>;
@@ -56,4 +57,29 @@ void expectNums(R& r, Nums rows) {
 template <class R>
 void expectDoubles(R& r, Nums rows) {
     for (const auto& [k, v] : rows) EXPECT_DOUBLE_EQ(r.num(k), v) << k;
+}
+
+// The cases of a file under tests/data, each run on a fresh box map (see
+// calc05_cases.txt): the boxes given, then each box expected as a text, a
+// figure ("=N") or no key ("<unset>").
+template <class Calc>
+void runCalcCases(const char* file, std::size_t count) {
+    const auto cases = testdata::cases(file);
+    for (const testdata::Case& c : cases) {
+        BoxRun<Calc> r;
+        int runs = 1;
+        for (const std::string& line : c.body) {
+            const auto [key, value] = testdata::cut(line);
+            if (key == "runs") runs = std::stoi(value);
+            else r.set(key.c_str(), value.c_str());
+        }
+        for (int i = 0; i < runs; ++i) r.go();
+        for (const std::string& line : c.expected) {
+            const auto [key, value] = testdata::cut(line);
+            if (value == "<unset>") EXPECT_FALSE(r.has(key.c_str())) << c.what << ": " << key;
+            else if (!value.empty() && value[0] == '=') EXPECT_NEAR(r.num(key.c_str()), std::stod(value.substr(1)), 1e-6) << c.what << ": " << key;
+            else EXPECT_EQ(r.text(key.c_str()), value) << c.what << ": " << key;
+        }
+    }
+    EXPECT_EQ(cases.size(), count) << file;
 }

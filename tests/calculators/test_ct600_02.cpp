@@ -47,19 +47,8 @@ TEST_F(Gen1, BothRunsInOneCallWorkedByHand) {
     EXPECT_EQ(doc.GetChildCount(), 0);
 }
 
-TEST_F(Gen1, CalendarYear2003AcrossTwoFinancialYears) {
-    // 01/01/2003 to 31/12/2003, profits 40,000; FY2002 and FY2003 both 19%, 19/400.
-    // FY2002: 90/365 x 40,000 = 9,863.01 -> 9,863 x 19% = 1,873.97.
-    // FY2003: 275/365 x 40,000 = 30,136.99 -> 30,137 x 19% = 5,726.03.
-    // Relief 19/400 x (50,000 - 40,000) = 475.00, shared 117.12 + 357.88.
-    // 7,600.00 - 475.00 = 7,125.00, the same as 0% on 10,000 and 23.75% on 30,000.
-    set("From", "01/01/2003").set("To", "31/12/2003").set("Q3", "40000");
-    go();
-    expectTexts(*this, {{"Q39", "2002"}, {"Q40", "9863"}, {"Q49", "2003"}, {"Q50", "30137"}, {"Q51", "19"}});
-    expectDoubles(*this, {{"Q42", 1873.97}, {"Q52", 5726.03}, {"Q59", 7600}});
-    EXPECT_EQ(text("Q60"), "475.00");
-    EXPECT_DOUBLE_EQ(num("Q64"), 7125);
-}
+// Worked returns, reconciliation, noughts and pages: cases in tests/data/calc02_cases.txt.
+TEST(Gen1Cases, All) { runCalcCases<CCT600_02Calc>("calc02_cases.txt", 12); }
 
 TEST_F(Gen1, ProfitAndTaxBlocksEveryTerm) {
     const char* q19Terms[] = {"Q7", "Q8", "Q9", "Q10", "Q11", "Q12", "Q13"};
@@ -86,74 +75,6 @@ TEST_F(Gen1, ProfitAndTaxBlocksEveryTerm) {
         {"Q33", q19 - q29 - 8}, {"Q45", 10}, {"Q48", 40}, {"Q55", 90}, {"Q58", 160}, {"Q59", 300},  // no dates: the driver's years are empty
         {"Q63", 15},  // relief 0 + 1 + 2 + 4 + 8
         {"Q64", 285}, {"Q68", 285 + 16 + 32 + 64}});
-}
-
-TEST_F(Gen1, ReconciliationRows) {
-    struct Case {
-        const char *q66, *q69, *q71, *q73, *q75;
-        double q72, q74, q76, q77;
-    };
-    const Case cases[] = {
-        {"1000", "300", "100", "", "", 600, 0, 600, 0},
-        {"1000", "300", "900", "", "", -200, 200, 0, 200},  // Q71 is outside the test: below 0
-        {"1000", "1000", "50", "", "", 0, 0, 0, 0},         // equal: 0 whatever Q71 holds
-        {"1000", "1200", "", "", "", 0, 0, 0, 0},
-        {"1000", "", "", "1500", "", 1000, 500, 0, 500},    // more paid than due
-        {"1000", "", "", "300", "200", 1000, 0, 500, 0},
-    };
-    for (const auto& c : cases) {
-        boxes.RemoveAll();
-        set("Q66", c.q66).set("Q69", c.q69).set("Q71", c.q71).set("Q73", c.q73).set("Q75", c.q75);
-        go();
-        EXPECT_EQ(num("Q72"), c.q72) << c.q69 << " " << c.q71;
-        EXPECT_EQ(num("Q74"), c.q74) << c.q73;
-        EXPECT_EQ(num("Q76"), c.q76) << c.q73;
-        EXPECT_EQ(num("Q77"), c.q77) << c.q73;
-    }
-}
-
-TEST_F(Gen1, NoClearingAndThreeNoughtsOnlyWithTurnover) {
-    set("Q65", "123").set("Q42", "77").go();
-    EXPECT_EQ(text("Q65"), "123");  // no row writes it, and nothing clears it
-    EXPECT_EQ(text("Q42"), "0.000000");
-    for (const char* key : {"Q5", "Q33", "Q72"}) EXPECT_EQ(text(key), "0.000000") << key;
-
-    boxes.RemoveAll();
-    set("Q3", "100").set("Q4", "100").go();
-    for (const char* key : {"Q5", "Q33", "Q72"}) EXPECT_EQ(text(key), "zero") << key;
-    for (const char* key : {"Q59", "Q64", "Q68"}) EXPECT_EQ(text(key), "0.000000") << key;
-}
-
-TEST_F(Gen1, NoProfitBlanksYearsAndPortionsOnly) {
-    set("From", "01/04/2001").set("To", "31/03/2002").set("Q41", "20").set("Q51", "19").set("Q60", "12");
-    go();
-    for (const char* key : {"Q39", "Q40", "Q49", "Q50"}) EXPECT_EQ(text(key), "") << key;
-    expectTexts(*this, {{"Q41", "20"}, {"Q51", "19"}, {"Q60", "12"}});
-    EXPECT_EQ(num("Q63"), 12);
-}
-
-TEST_F(Gen1, PagesStayOnTheirPages) {
-    set("QA2.02.1", "1000.01").set("QA4.02.6", "100").set("QA8.02.2", "40").set("QA8.03.3", "2");
-    set("QA11", "30");  // no row of this generation writes it
-    set("QB1.06.1", "1").set("QB1.06.12", "2").set("QB1.06.13", "500").set("QB1.10.5", "7");
-    set("QC1.06.7", "3").set("QC1.06.8", "100").set("QC2.1", "1").set("QC2.6", "2").set("QC2.7", "50");
-    set("QC3.06.2", "4").set("QC4.06.1", "5");
-    set("QD1", "10").set("QD2", "5").set("QD13", "3").set("QD14", "2").set("QD6", "99");
-    set("QG1.4.1", "100").set("QF10D.1", "1000").set("QF10E.1", "1");
-    go();
-    expectDoubles(*this, {{"QA2", 1000.01}, {"QA3", 250.0025},  // 25%, unrounded
-        {"QA6", 100}, {"QA7", 25}, {"QA10", 42}});
-    EXPECT_EQ(text("QA11"), "30");
-    EXPECT_DOUBLE_EQ(num("QA13"), 250.0025 - 25 - 30);
-    expectNums(*this, {{"QB1.06.13", 3}, {"QB1.10.13", 7}, {"QC1", 3}, {"QC2.7", 3}, {"QC3", 4}, {"QC4", 5},
-        {"QD3", 15}, {"QD6", 0}, {"QD15", 5}, {"QD16", 10}});
-    // No main box fed, no page of the later forms, no noughts on page A.
-    for (const char* key : {"Q79", "Q81", "Q73", "Q13", "QG1", "QF10", "QB1.06"})
-        EXPECT_FALSE(has(key)) << key;
-
-    boxes.RemoveAll();
-    set("QA2.02.1", "400").set("QA4.02.1", "400").go();
-    EXPECT_EQ(text("QA13"), "0.000000");
 }
 
 TEST_F(Gen1, FieldChecksOnTheCapitalDateFields) {

@@ -5,39 +5,11 @@
 #include <fstream>
 #include <initializer_list>
 #include <limits>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "common/library.h"
-
-namespace {
-
-// Sets (or clears) an environment variable for one scope.
-class ScopedEnv {
-public:
-    ScopedEnv(const char* name, const char* value) : name_(name) {
-        if (const char* old = std::getenv(name)) old_ = old;
-        if (value)
-            setenv(name, value, 1);
-        else
-            unsetenv(name);
-    }
-    ~ScopedEnv() {
-        if (old_)
-            setenv(name_, old_->c_str(), 1);
-        else
-            unsetenv(name_);
-    }
-    ScopedEnv(const ScopedEnv&) = delete;
-    ScopedEnv& operator=(const ScopedEnv&) = delete;
-
-private:
-    const char* name_;
-    std::optional<std::string> old_;
-};
-
-}  // namespace
+#include "support/env.h"
 
 TEST(Text, Formatting) {
     // fmt("%s") and fmt("%d %d") take no int and fall back; fmt2 is plain printf on the binary value.
@@ -167,11 +139,11 @@ TEST(Folders, PathsAndOverrides) {
 
     const CString tempFolder = GetTempDir() + "/override";
     {
-        ScopedEnv temp("CT600_TEMP_DIR", (tempFolder + "//").c_str());
+        EnvGuard temp("CT600_TEMP_DIR", (tempFolder + "//").c_str());
         EXPECT_EQ(GetTempDir(), tempFolder);
-        ScopedEnv templates("CT600_TEMPLATE_DIR", "/forms/templates/");
-        ScopedEnv formats("CT600_FORMATS_DIR", nullptr);
-        ScopedEnv suite("CT600_SUITE_DIR", "/suite");
+        EnvGuard templates("CT600_TEMPLATE_DIR", "/forms/templates/");
+        EnvGuard formats("CT600_FORMATS_DIR", nullptr);
+        EnvGuard suite("CT600_SUITE_DIR", "/suite");
         EXPECT_EQ(GetCTdir(), "/forms/templates");
         EXPECT_EQ(GetFormatsDir(), "/forms/templates");
         EXPECT_EQ(GetQuillonDir(), "/suite");
@@ -184,7 +156,7 @@ TEST(Folders, PathsAndOverrides) {
     EXPECT_EQ(exists(""), 0);
     EXPECT_EQ(exists(nullptr), 0);
 
-    ScopedEnv templates("CT600_TEMPLATE_DIR", nullptr);
+    EnvGuard templates("CT600_TEMPLATE_DIR", nullptr);
     EXPECT_FALSE(GetCTdir().IsEmpty());
     EXPECT_NE(GetCTdir().Right(1), "/");
 }

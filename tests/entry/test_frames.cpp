@@ -9,23 +9,15 @@
 #include "common/library.h"
 #include "entry/exports.h"
 #include "entry/module.h"
+#include "support/capture.h"
 
 namespace {
 
-void quietErrors(const CObList&, const CStringList*, void*) {}
-
 class Frames : public testing::Test {
 protected:
-    std::vector<std::string> log;
-    void SetUp() override {
-        SetErrorSink(quietErrors, nullptr);
-        SetLogSink([](const char* line, void* ctx) { static_cast<std::vector<std::string>*>(ctx)->push_back(line); },
-                   &log);
-    }
-    void TearDown() override {
-        SetLogSink(nullptr, nullptr);
-        SetErrorSink(nullptr, nullptr);
-    }
+    const QuietErrors quiet;
+    LogCapture capture;
+    std::vector<std::string>& log = capture.lines;
 };
 
 TEST_F(Frames, EachFrameKindWritesItsOwnLogLine) {

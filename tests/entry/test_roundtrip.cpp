@@ -22,25 +22,16 @@
 #include "envelope/envelope.h"
 #include "liability/liability.h"
 #include "platform/message_box.h"
+#include "support/capture.h"
 
 namespace {
 
-void quietErrors(const CObList&, const CStringList*, void*) {}
-
 class RoundTrip : public testing::Test {
 protected:
-    std::vector<std::string> log;
-    void SetUp() override {
-        SetErrorSink(quietErrors, nullptr);
-        SetMessageSink([](const char*, void*) {}, nullptr);
-        SetLogSink([](const char* line, void* ctx) { static_cast<std::vector<std::string>*>(ctx)->push_back(line); },
-                   &log);
-    }
-    void TearDown() override {
-        SetLogSink(nullptr, nullptr);
-        SetErrorSink(nullptr, nullptr);
-        SetMessageSink(nullptr, nullptr);
-    }
+    const QuietErrors quiet;
+    const MessageCapture messages;
+    LogCapture capture;
+    std::vector<std::string>& log = capture.lines;
     bool logged(const char* line) const { return std::find(log.begin(), log.end(), line) != log.end(); }
 
     static CXMLVar* returnTree(const char* rootName, const char* form, const char* type) {

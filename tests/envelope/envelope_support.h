@@ -15,6 +15,7 @@
 #include "envelope/envelope.h"
 #include "platform/collections.h"
 #include "support/capture.h"
+#include "support/env.h"
 #include "support/tree.h"
 
 namespace envtest {
@@ -55,24 +56,6 @@ inline CMapStringToString boxesOf(const std::vector<std::pair<const char*, const
     return boxes;
 }
 
-// The rows of a tab-separated file of cases under the source tree, "#" lines
-// left out; each must have the number of fields given.
-inline std::vector<std::vector<std::string>> tableRows(const std::string& relative, std::size_t fields) {
-    std::vector<std::vector<std::string>> rows;
-    std::istringstream in(readFile(sourcePath(relative)));
-    for (std::string line; std::getline(in, line);) {
-        if (line.empty() || line[0] == '#') continue;
-        std::vector<std::string> f;
-        for (std::size_t at = 0, tab; at <= line.size(); at = tab + 1) {
-            tab = std::min(line.find('\t', at), line.size());
-            f.push_back(line.substr(at, tab - at));
-        }
-        f.resize(fields);
-        rows.push_back(std::move(f));
-    }
-    return rows;
-}
-
 // Boxes written key=value|key=value.
 inline CMapStringToString boxesOfText(const std::string& text) {
     CMapStringToString boxes;
@@ -100,28 +83,6 @@ inline CMapStringToString boxesFromJsonFile(const std::string& path) {
     return boxes;
 }
 
-// Sets an environment variable for the length of a scope.
-class EnvGuard {
-public:
-    EnvGuard(const char* name, const std::string& value) : name_(name) {
-        if (const char* old = std::getenv(name)) {
-            had_ = true;
-            old_ = old;
-        }
-        setenv(name, value.c_str(), 1);
-    }
-    ~EnvGuard() {
-        if (had_)
-            setenv(name_.c_str(), old_.c_str(), 1);
-        else
-            unsetenv(name_.c_str());
-    }
-    EnvGuard(const EnvGuard&) = delete;
-    EnvGuard& operator=(const EnvGuard&) = delete;
-
-private:
-    std::string name_, old_;
-    bool had_ = false;
-};
+using ::EnvGuard;
 
 }  // namespace envtest

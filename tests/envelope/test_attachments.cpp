@@ -9,6 +9,7 @@
 
 #include "common/library.h"
 #include "envelope_support.h"
+#include "support/table.h"
 
 namespace {
 
@@ -20,7 +21,7 @@ const std::string kXhtml = "PGh0bWw+PC9odG1sPg==";  // base64 of "<html></html>"
 // The cases of tests/data/attachment_cases.tsv.
 TEST(AttachFiles, PlacesEachKindOfFile) {
     int cases = 0;
-    for (const std::vector<std::string>& f : envtest::tableRows("tests/data/attachment_cases.tsv", 4)) {
+    for (const std::vector<std::string>& f : testdata::rows("attachment_cases.tsv", 4)) {
         std::string expected = f[3];
         for (const auto& [token, body] : {std::pair{std::string("{pdf}"), kPdf}, {"{xhtml}", kXhtml}})
             for (std::size_t at; (at = expected.find(token)) != std::string::npos;) expected.replace(at, token.size(), body);

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "envelope_support.h"
+#include "support/table.h"
 
 namespace {
 
@@ -26,7 +27,7 @@ std::string fill(const std::string& templ, const CMapStringToString& boxes, cons
 // the filled tree.
 TEST(Populate, FillsPlaceholdersRepeatsRowsAndDropsWhatIsEmpty) {
     int cases = 0;
-    for (const std::vector<std::string>& f : envtest::tableRows("tests/data/populate_cases.tsv", 4)) {
+    for (const std::vector<std::string>& f : testdata::rows("populate_cases.tsv", 4)) {
         EXPECT_EQ(fill(f[1], envtest::boxesOfText(f[2])), f[3]) << f[0];
         ++cases;
     }

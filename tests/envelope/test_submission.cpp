@@ -15,6 +15,7 @@
 #include "entry/submission.h"
 #include "entry/validate.h"
 #include "envelope_support.h"
+#include "support/table.h"
 #include "rules/rules.h"
 #include "support/run_cli.h"
 
@@ -164,7 +165,7 @@ TEST(Submission, TheEnvelopeHoldsTheHeaderAndTheValidationsReturn) {
         const std::unique_ptr<CXMLVar> message(submission_govtalk(boxes, credentials(test)));
         ASSERT_NE(message, nullptr);
         int checked = 0;
-        for (const std::vector<std::string>& f : envtest::tableRows("tests/data/submission_envelope.tsv", 2)) {
+        for (const std::vector<std::string>& f : testdata::rows("submission_envelope.tsv", 2)) {
             std::string p = f[0], attribute;
             const std::string& path = f[0];
             const std::string value = f[1] == "{test}" ? (test ? "1" : "0") : f[1];

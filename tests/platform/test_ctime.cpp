@@ -6,6 +6,7 @@
 #include "platform/ctime.h"
 #include "platform/message_box.h"
 #include "platform/module_state.h"
+#include "support/env.h"
 
 namespace {
 
@@ -37,10 +38,8 @@ TEST(CTime, FieldsOutOfRangeRollOverLikeACalendar) {
 // Spans between noons are whole days whatever the machine's zone: a clock
 // change in March or October must not take or add an hour.
 TEST(CTime, DaySpansDoNotDependOnTheTimeZone) {
-    const char* saved = std::getenv("TZ");
-    const std::string savedTz = saved ? saved : "";
     for (const char* zone : {"UTC", "Europe/London", "America/New_York"}) {
-        setenv("TZ", zone, 1);
+        const EnvGuard tz("TZ", zone);
         tzset();
         struct Case {
             CTime a, b;
@@ -62,8 +61,6 @@ TEST(CTime, DaySpansDoNotDependOnTheTimeZone) {
         }
         EXPECT_EQ(noon(2016, 3, 27).Format("%d/%m/%Y %H"), "27/03/2016 12") << zone;
     }
-    if (saved) setenv("TZ", savedTz.c_str(), 1);
-    else unsetenv("TZ");
     tzset();
 }
 

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
 #include <map>
 #include <memory>
 #include <set>
@@ -17,6 +16,7 @@
 #include "rules/catalogue/catalogue.h"
 #include "support.h"
 #include "support/capture.h"
+#include "support/table.h"
 
 namespace {
 
@@ -25,24 +25,11 @@ using namespace rulestest;
 constexpr const char* kCleanReturn = "clean_return.xml";
 constexpr const char* kAllPages = "clean_return_all_pages.xml";
 
-std::vector<std::vector<std::string>> readTable(const char* name) {
-    std::ifstream in(std::string(CT600_SOURCE_DIR "/tests/data/") + name);
-    std::vector<std::vector<std::string>> rows;
-    for (std::string line; std::getline(in, line);) {
-        if (line.empty() || line[0] == '#') continue;
-        std::vector<std::string> cells;
-        std::stringstream cellsIn(line);
-        for (std::string cell; std::getline(cellsIn, cell, '\t');) cells.push_back(cell);
-        rows.push_back(cells);
-    }
-    return rows;
-}
-
 // The published message of each code.
 const std::map<std::string, std::string>& published() {
     static const auto table = [] {
         std::map<std::string, std::string> m;
-        for (const auto& row : readTable("rule_messages.tsv")) m[row.at(0)] = row.size() > 1 ? row[1] : "";
+        for (const auto& row : testdata::rows("rule_messages.tsv")) m[row.at(0)] = row.size() > 1 ? row[1] : "";
         return m;
     }();
     return table;
@@ -114,7 +101,7 @@ TEST_F(Catalogue, CleanReturnsRaiseNothing) {
 
 TEST_F(Catalogue, EachRuleReportsItsPublishedTextAndItsNeighbourDoesNot) {
     std::set<std::string> covered;
-    for (const auto& row : readTable("rule_cases.tsv")) {
+    for (const auto& row : testdata::rows("rule_cases.tsv")) {
         const std::string& code = row.at(0);
         SCOPED_TRACE("rule " + code);
         covered.insert(code);
@@ -157,19 +144,16 @@ TEST_F(Catalogue, ShapeOfTheCatalogueAndItsMessages) {
 // The rules marked with a dagger test completion through the logging or: one
 // line each time the test gets that far, and no line when it stops before.
 TEST_F(Catalogue, DaggerRulesLogWhenTheyReachTheirTest) {
-    std::ifstream in(CT600_SOURCE_DIR "/tests/data/rule_dagger_runs.txt");
-    std::vector<std::pair<std::string, std::vector<std::string>>> runs;  // "base<TAB>edits", log lines
-    for (std::string line; std::getline(in, line);) {
-        if (line.rfind("= ", 0) == 0) runs.push_back({line.substr(2), {}});
-        else if (line.rfind("> ", 0) == 0) runs.back().second.push_back(line.substr(line.find('\t') + 1));
-    }
+    const auto runs = testdata::cases("rule_dagger_runs.txt");  // "base<TAB>edits", "code<TAB>log line"s
     ASSERT_EQ(runs.size(), 4u);
-    for (const auto& [run, lines] : runs) {
-        const std::size_t tab = run.find('\t');
+    for (const auto& run : runs) {
+        std::vector<std::string> lines;
+        for (const auto& line : run.expected) lines.push_back(line.substr(line.find('\t') + 1));
+        const std::size_t tab = run.what.find('\t');
         LogCapture log;
-        runWith(decodeAll(tab == std::string::npos ? "" : run.substr(tab + 1)),
-                run.substr(0, tab) == "all" ? kAllPages : kCleanReturn);
-        EXPECT_EQ(log.lines, lines) << run;
+        runWith(decodeAll(tab == std::string::npos ? "" : run.what.substr(tab + 1)),
+                run.what.substr(0, tab) == "all" ? kAllPages : kCleanReturn);
+        EXPECT_EQ(log.lines, lines) << run.what;
     }
 }
 
@@ -180,21 +164,14 @@ std::vector<std::string> codesOf(const std::vector<std::string>& texts) {
 }
 
 TEST_F(Catalogue, OddDocumentsDoNotStopTheRun) {
-    std::ifstream in(CT600_SOURCE_DIR "/tests/data/rule_odd_documents.txt");
-    std::string why, xml, codes;
-    int n = 0;
-    for (std::string line; std::getline(in, line);) {
-        if (line.empty()) continue;
-        if (line.rfind("= ", 0) == 0) why = line.substr(2);
-        else if (line[0] == '>') {
-            std::unique_ptr<CXMLVar> message(parse(xml.c_str()));
-            std::string got;
-            for (const auto& code : codesOf(runRules(message.get()))) got += (got.empty() ? "" : " ") + code;
-            EXPECT_EQ(got, line.substr(std::min<std::size_t>(2, line.size()))) << why;
-            ++n;
-        } else if (line[0] != '#') xml = line;
+    const auto cases = testdata::cases("rule_odd_documents.txt");
+    for (const auto& c : cases) {
+        std::unique_ptr<CXMLVar> message(parse(c.body.at(0).c_str()));
+        std::string got;
+        for (const auto& code : codesOf(runRules(message.get()))) got += (got.empty() ? "" : " ") + code;
+        EXPECT_EQ(got, c.expected.at(0)) << c.what;
     }
-    EXPECT_EQ(n, 6);
+    EXPECT_EQ(cases.size(), 6u);
 }
 
 }  // namespace

@@ -1,9 +1,7 @@
 // Path tables, the walk, selection, and the Errors document.
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <memory>
-#include <sstream>
 #include <vector>
 #include <string>
 
@@ -11,6 +9,7 @@
 #include "rules/rulecontext.h"
 #include "rules/ruledsl.h"
 #include "support.h"
+#include "support/table.h"
 
 namespace {
 
@@ -70,23 +69,16 @@ TEST_F(RuleContextTest, PathTablesAreSharedAndUseTheStepConstants) {
 
 // Cases in tests/data/rule_context_walks.tsv.
 TEST_F(RuleContextTest, WalksFromTheCurrentNode) {
-    std::ifstream in(CT600_SOURCE_DIR "/tests/data/rule_context_walks.tsv");
-    int n = 0;
-    for (std::string line; std::getline(in, line);) {
-        if (line.empty() || line[0] == '#') continue;
-        std::vector<std::string> f;
-        std::stringstream cells(line);
-        for (std::string cell; std::getline(cells, cell, '\t');) f.push_back(cell);
-        f.resize(5);
+    const auto rows = testdata::rows("rule_context_walks.tsv", 5);
+    for (const auto& f : rows) {
         SCOPED_TRACE(f[0] + " : " + f[1]);
         standOn(f[0].c_str());
         PathTable table = MakePathTable(f[1].c_str());
         EXPECT_EQ(ctx.Count(table), std::stoi(f[2]));
         EXPECT_DOUBLE_EQ(ctx.Sum(table), std::stod(f[3]));
         EXPECT_EQ(std::string(ctx.Value(table).Text()), f[4]);
-        ++n;
     }
-    EXPECT_EQ(n, 20);
+    EXPECT_EQ(rows.size(), 20u);
 }
 
 TEST_F(RuleContextTest, RootIsReachedWhateverItsName) {

@@ -1,9 +1,7 @@
 // Dates and durations, and the date notation of the rules.
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <memory>
-#include <sstream>
 #include <vector>
 #include <string>
 
@@ -11,23 +9,18 @@
 #include "rules/ruledates.h"
 #include "rules/ruledsl.h"
 #include "support.h"
+#include "support/table.h"
 
 namespace {
 
 // Cases in tests/data/rule_dates.tsv.
 TEST(RuleDates, AddDurationAndDateDifference) {
-    std::ifstream in(CT600_SOURCE_DIR "/tests/data/rule_dates.tsv");
-    int n = 0;
-    for (std::string line; std::getline(in, line);) {
-        std::vector<std::string> f;
-        std::stringstream cells(line);
-        for (std::string cell; std::getline(cells, cell, '\t');) f.push_back(cell);
-        if (line.empty() || line[0] == '#' || f.size() < 4) continue;
+    const auto rows = testdata::rows("rule_dates.tsv", 4);
+    for (const auto& f : rows) {
         const char *a = f[1].c_str(), *b = f[2].c_str();
-        EXPECT_EQ(f[0] == "add" ? std::string(AddDuration(a, b)) : std::string(DateDifference(a, b)), f[3]) << line;
-        ++n;
+        EXPECT_EQ(f[0] == "add" ? std::string(AddDuration(a, b)) : std::string(DateDifference(a, b)), f[3]) << f[0] << a << b;
     }
-    EXPECT_EQ(n, 20);
+    EXPECT_EQ(rows.size(), 20u);
     EXPECT_EQ(std::string(AddDuration(nullptr, nullptr)), "-001-12-00");  // month 0 wraps, as any would
 }
 

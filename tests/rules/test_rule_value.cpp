@@ -2,8 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <fstream>
-#include <sstream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -12,19 +10,14 @@
 #include "rules/rulevalue.h"
 #include "support.h"
 #include "support/capture.h"
+#include "support/table.h"
 
 namespace {
 
 // Cases in tests/data/rule_value_nodes.tsv.
 TEST(RuleValue, ReadsNodes) {
-    std::ifstream in(CT600_SOURCE_DIR "/tests/data/rule_value_nodes.tsv");
-    int n = 0;
-    for (std::string line; std::getline(in, line);) {
-        if (line.empty() || line[0] == '#') continue;
-        std::vector<std::string> f;
-        std::stringstream cells(line);
-        for (std::string cell; std::getline(cells, cell, '\t');) f.push_back(cell);
-        f.resize(5);
+    const auto rows = testdata::rows("rule_value_nodes.tsv", 5);
+    for (const auto& f : rows) {
         SCOPED_TRACE(f[0]);
         std::unique_ptr<CXMLVar> node(f[1] != "-" ? rulestest::parse(f[1].c_str()) : nullptr);
         CRuleValue v;
@@ -32,26 +25,26 @@ TEST(RuleValue, ReadsNodes) {
         EXPECT_EQ(v.IsTrue(), f[2] == "1");
         EXPECT_EQ(v.Number(), std::stod(f[3]));
         EXPECT_EQ(std::string(v.Text()), f[4]);
-        ++n;
     }
-    EXPECT_EQ(n, 20);
+    EXPECT_EQ(rows.size(), 20u);
+}
+
+// The rows of a kind in tests/data/rule_value_texts.tsv, their texts made bytes.
+std::vector<std::vector<std::string>> textCases(const std::string& kind, std::size_t count) {
+    std::vector<std::vector<std::string>> rows;
+    for (auto row : testdata::rows("rule_value_texts.tsv", 6))
+        if (row[0] == kind) {
+            for (auto& cell : row) cell = testdata::unescape(cell);
+            rows.push_back(row);
+        }
+    EXPECT_EQ(rows.size(), count) << kind;
+    return rows;
 }
 
 TEST(RuleValue, NumericText) {
-    const struct {
-        const char* text;
-        bool numeric;
-        bool date;
-    } cases[] = {
-        {"1500", true, false},  {"1500.50", true, false}, {"-12", true, false},    {"0", true, false},
-        {"12abc", true, false}, {"", false, false},       {"yes", false, false},   {".5", false, false},
-        {"+5", false, false},   {" 5", false, false},     {"-", false, false},     {"2015-04-01", false, true},
-        {"-2015-04-01", false, false}, {"12345-6", true, false}, {"1234-", false, true}, {"123", true, false},
-        {"abcd-", false, true},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(IsNumericText(c.text), c.numeric) << '"' << c.text << '"';
-        EXPECT_EQ(IsDateText(c.text), c.date) << '"' << c.text << '"';
+    for (const auto& c : textCases("numeric", 17)) {
+        EXPECT_EQ(IsNumericText(c[1].c_str()), c[2] == "1") << '"' << c[1] << '"';
+        EXPECT_EQ(IsDateText(c[1].c_str()), c[3] == "1") << '"' << c[1] << '"';
     }
     EXPECT_FALSE(IsNumericText(nullptr));
     EXPECT_FALSE(IsDateText(nullptr));
@@ -119,14 +112,9 @@ TEST(RuleValue, ComparesByTheRightOperand) {
         if (t.rfind("text:", 0) == 0) return make(text(rest.c_str()));
         return make(number(std::stod(rest)));
     };
-    std::ifstream in(CT600_SOURCE_DIR "/tests/data/rule_value_comparisons.tsv");
-    int n = 0;
-    for (std::string line; std::getline(in, line);) {
-        if (line.empty() || line[0] == '#') continue;
-        std::vector<std::string> f;
-        std::stringstream cells(line);
-        for (std::string cell; std::getline(cells, cell, '\t');) f.push_back(cell);
-        ASSERT_EQ(f.size(), 8u) << line;
+    const auto rows = testdata::rows("rule_value_comparisons.tsv");
+    for (const auto& f : rows) {
+        ASSERT_EQ(f.size(), 8u) << f[0];
         SCOPED_TRACE(f[0]);
         const CRuleValue a = madeOf(f[1]), b = madeOf(f[2]);
         EXPECT_EQ(a == b, f[3] == "1");
@@ -134,9 +122,8 @@ TEST(RuleValue, ComparesByTheRightOperand) {
         EXPECT_EQ(a <= b, f[5] == "1");
         EXPECT_EQ(a >= b, f[6] == "1");
         EXPECT_EQ(a * b, std::stod(f[7]));
-        ++n;
     }
-    EXPECT_EQ(n, 17);
+    EXPECT_EQ(rows.size(), 17u);
 }
 
 TEST(RuleValue, OrOperatorsAndTheirLogLine) {
@@ -169,16 +156,11 @@ TEST(RuleValue, OrOperatorsAndTheirLogLine) {
 }
 
 TEST(RuleValue, FunctionLibrary) {
-    const struct {
-        double x, abs, floor, round;
-    } numbers[] = {
-        {2.5, 2.5, 2, 3},         {-2.5, 2.5, -3, -3},   {0.49999, 0.49999, 0, 0}, {-0.4, 0.4, -1, 0},
-        {1e12, 1e12, 1e12, 1e12}, {2.675 * 100, 2.675 * 100, 267, 268}, {0.4999996, 0.4999996, 0, 0}, {0.5, 0.5, 0, 1}, {807499.99999, 807499.99999, 807499, 807500},
-    };
-    for (const auto& n : numbers) {
-        EXPECT_EQ(Abs(n.x), n.abs) << n.x;
-        EXPECT_EQ(Floor(n.x), n.floor) << n.x;
-        EXPECT_EQ(Round(n.x), n.round) << n.x;
+    for (const auto& n : textCases("number", 9)) {
+        const double x = std::stod(n[1]);
+        EXPECT_EQ(Abs(x), std::stod(n[2])) << x;
+        EXPECT_EQ(Floor(x), std::stod(n[3])) << x;
+        EXPECT_EQ(Round(x), std::stod(n[4])) << x;
     }
     EXPECT_EQ(Round(std::nan("")), 0) << "what is no number rounds to nothing";
     EXPECT_TRUE(Not(false));
@@ -188,30 +170,11 @@ TEST(RuleValue, FunctionLibrary) {
 }
 
 TEST(RuleValue, Texts) {
-    const struct {
-        const char* in;
-        const char* out;
-    } spaces[] = {
-        {"  2015-04-01 \n", "2015-04-01"}, {"a  b", "a b"},   {"a\t b", "a\tb"}, {"", ""},
-        {" \t\n ", ""},                    {"x", "x"},        {"a b  ", "a b"},  {"\na\n\nb", "a\nb"},
-    };
-    for (const auto& s : spaces) EXPECT_EQ(std::string(NormalizeSpace(s.in)), s.out) << '"' << s.in << '"';
-
-    const struct {
-        const char* text;
-        const char* from;
-        const char* to;
-        const char* out;
-        double number;
-    } translations[] = {
-        {"2015-04-01", "-", "", "20150401", 20150401}, {"19.00", ".", "", "1900", 1900},
-        {"abc", "", "x", "abc", 3},                    {"0", ".", "", "0", 0},
-        {"", "-", "", "", 0},
-    };
-    for (const auto& t : translations) {
-        const CRuleValue v = Translate(t.text, t.from, t.to);
-        EXPECT_EQ(std::string(v.Text()), t.out) << t.text;
-        EXPECT_EQ(v.Number(), t.number) << t.text;
+    for (const auto& s : textCases("spaces", 8)) EXPECT_EQ(std::string(NormalizeSpace(s[1].c_str())), s[2]) << '"' << s[1] << '"';
+    for (const auto& t : textCases("translate", 5)) {
+        const CRuleValue v = Translate(t[1].c_str(), t[2].c_str(), t[3].c_str());
+        EXPECT_EQ(std::string(v.Text()), t[4]) << t[1];
+        EXPECT_EQ(v.Number(), std::stod(t[5])) << t[1];
     }
     EXPECT_EQ(std::string(Concat("ab", "cd")), "abcd");
     EXPECT_EQ(std::string(Concat(2024, "-03-31")), "2024-03-31");

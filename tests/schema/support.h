@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <fstream>
 #include <sstream>
 #include <memory>
 #include <string>
@@ -14,6 +13,7 @@
 
 #include "common/xmlvar.h"
 #include "schema/schema.h"
+#include "support/table.h"
 #include "support/tree.h"
 
 namespace schematest {
@@ -87,25 +87,15 @@ inline std::string fails(const std::string& pattern) { return "does not match th
 // The cases of a file under tests/data/ (see schema_model_cases.txt), each
 // run on a fresh copy of the document: the walk gives exactly its errors.
 inline void runCaseFile(const std::string& document, const char* file) {
-    std::ifstream in(std::string(CT600_SOURCE_DIR "/tests/data/") + file, std::ios::binary);
-    struct Case {
-        std::string what;
-        std::vector<std::string> lines, expected;
-    };
-    std::vector<Case> cases;
     const auto untab = [](std::string text) {
         for (std::size_t i; (i = text.find("\\t")) != std::string::npos;) text.replace(i, 2, "\t");
         return text;
     };
-    for (std::string line; std::getline(in, line);) {
-        if (line.rfind("= ", 0) == 0) cases.push_back({line.substr(2), {}, {}});
-        else if (line.rfind("> ", 0) == 0) cases.back().expected.push_back(untab(line.substr(2)));
-        else if (!line.empty() && line[0] != '#') cases.back().lines.push_back(line);
-    }
+    const auto cases = testdata::cases(file);
     ASSERT_FALSE(cases.empty()) << file;
-    for (const Case& c : cases) {
+    for (const testdata::Case& c : cases) {
         auto doc = parse(document);
-        for (const std::string& line : c.lines) {
+        for (const std::string& line : c.body) {
             std::vector<std::string> f;
             std::stringstream cells(line);
             for (std::string cell; std::getline(cells, cell, '\t');) f.push_back(cell);
@@ -121,7 +111,9 @@ inline void runCaseFile(const std::string& document, const char* file) {
                                   : f[0] == "rename" ? Edit::Rename : Edit::Attr;
             apply(doc.get(), {kind, f[1], f[2], untab(f[3])});
         }
-        EXPECT_EQ(walk(doc.get()), c.expected) << c.what;
+        std::vector<std::string> expected;
+        for (const std::string& e : c.expected) expected.push_back(untab(e));
+        EXPECT_EQ(walk(doc.get()), expected) << c.what;
     }
 }
 

@@ -1,124 +1,54 @@
 // The check primitives and their reporter, one table of values per check.
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <source_location>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "schema/checks.h"
 #include "support.h"
+#include "support/table.h"
 
 using schematest::texts;
 
 namespace {
 
-using Check = std::function<void(CXMLVar* node, CXMLVar* errors)>;
-
-// A value, and the message its check gives it; empty when the value passes.
-struct Value {
-    std::string value, message;
-};
-
-std::string err(const std::string& value, const std::string& message) {
-    return "Company Name: value \"" + value + "\" - " + message;
-}
-
-// Runs the check on an element CompanyName holding each value in turn.
-void expectValues(const Check& check, const std::vector<Value>& values,
-                  std::source_location where = std::source_location::current()) {
-    const testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()), "values from here");
-    for (const Value& v : values) {
-        CXMLVar node("CompanyName", v.value.c_str());
-        CXMLVar errors("Errors");
-        check(&node, &errors);
-        const std::vector<std::string> expected =
-            v.message.empty() ? std::vector<std::string>{} : std::vector<std::string>{err(v.value, v.message)};
-        EXPECT_EQ(texts(errors), expected) << "on \"" << v.value << "\"";
-        EXPECT_EQ(node.value.str(), v.value) << "a check must not change the node";
+// The check of a row of tests/data/schema_check_values.tsv, with its argument.
+void runCheck(const std::string& check, const std::string& arg, CXMLVar* n, CXMLVar* e) {
+    if (check == "minlength") checkminlength(std::stoi(arg), "", n, e);
+    if (check == "maxlength") checkmaxlength(std::stoi(arg), "", n, e);
+    if (check == "length") checklength(std::stoi(arg), "", n, e);
+    if (check == "pattern") checkpattern(arg.c_str(), "", n, e);
+    if (check == "maxinclusive") checkmaxinclusive(arg.c_str(), "", n, e);
+    if (check == "mininclusive") checkmininclusive(arg.c_str(), "", n, e);
+    if (check == "minexclusive") checkminexclusive(arg.c_str(), "", n, e);
+    if (check == "integer") checkinteger("", n, e);
+    if (check == "decimal") checkdecimal("", n, e);
+    if (check == "nonnegative") checknonnegative("", n, e);
+    if (check == "year") checkyear("", n, e);
+    if (check == "enumeration") {
+        std::vector<std::string> words;
+        std::istringstream in(arg);
+        for (std::string word; in >> word;) words.push_back(word);
+        std::vector<const char*> values;
+        for (const std::string& word : words) values.push_back(word.c_str());
+        checkenumeration(values, "", n, e);
     }
 }
 
-const Check minLength2 = [](CXMLVar* n, CXMLVar* e) { checkminlength(2, "", n, e); };
-const Check maxLength3 = [](CXMLVar* n, CXMLVar* e) { checkmaxlength(3, "", n, e); };
-const Check length10 = [](CXMLVar* n, CXMLVar* e) { checklength(10, "", n, e); };
-
-TEST(Checks, Lengths) {
-    expectValues(minLength2, {{"A", "less than minimum 2 characters"}, {"", "less than minimum 2 characters"},
-        {"AB", ""}, {"\xA3\xA3", ""}});
-    expectValues(maxLength3, {{"ABCD", "greater than maximum 3 characters"}, {"ABC", ""}, {"", ""},
-        {"\xC2\xA3\xC2\xA3", "greater than maximum 3 characters"}});
-    expectValues(length10, {{"12345678901", "must be 10 characters"}, {"123456789", "must be 10 characters"},
-        {"1234567890", ""}});
-}
-
-TEST(Checks, PatternReportsThePatternsMessage) {
-    const Check tenDigits = [](CXMLVar* n, CXMLVar* e) { checkpattern("[0-9]{10}", "", n, e); };
-    const Check wholePounds = [](CXMLVar* n, CXMLVar* e) { checkpattern(".*\\.00", "", n, e); };
-    const Check notInCatalogue = [](CXMLVar* n, CXMLVar* e) { checkpattern("[ab]+", "", n, e); };
-    expectValues(tenDigits, {{"12345678901", "does not match the pattern [0-9]{10}"}, {"1234567890", ""}});
-    expectValues(wholePounds, {{"12.00", ""}, {"12.50", "does not match the pattern .*\\.00"}});
-    expectValues(notInCatalogue, {{"abba", ""}, {"abc", "does not match the pattern [ab]+"}});
-}
-
-TEST(Checks, LimitsCompareAsNumbers) {
-    const Check maxPence = [](CXMLVar* n, CXMLVar* e) { checkmaxinclusive("99999999999.99", "", n, e); };
-    const Check maxTurnover = [](CXMLVar* n, CXMLVar* e) { checkmaxinclusive("999999999999999999.00", "", n, e); };
-    const Check maxTen = [](CXMLVar* n, CXMLVar* e) { checkmaxinclusive("10", "", n, e); };
-    const Check minZero = [](CXMLVar* n, CXMLVar* e) { checkmininclusive("0.00", "", n, e); };
-    const Check aboveZero = [](CXMLVar* n, CXMLVar* e) { checkminexclusive("0.00", "", n, e); };
-    const std::string le = "must be less than or equal to ";
-    const std::string ge = "must be greater than of equal to ";
-    const std::string gt = "must be greater than ";
-    expectValues(maxPence, {{"99999999999.99", ""}, {"100000000000.00", le + "99999999999.99"}, {"-5.00", ""},
-        {"0x1p40", le + "99999999999.99"}});  // atof reads hexadecimal: 2^40
-    // not a number: counts as 0, and the type's decimal check has reported
-    expectValues(maxPence, {{"abc", ""}, {"1e400", le + "99999999999.99"}, {"nan", ""}});
-    // about fifteen digits: the two compare as equal
-    expectValues(maxTurnover, {{"1000000000000000000.00", ""},
-        {"2000000000000000000.00", le + "999999999999999999.00"}});
-    expectValues(maxTen, {{"10", ""}, {"10.00", ""}, {"11", le + "10"}, {" 11", le + "10"}, {"9abc", ""}});
-    expectValues(minZero, {{"0.00", ""}, {"-0.00", ""}, {"-0.01", ge + "0.00"}, {"--1", ""}, {"nan", ""}});
-    expectValues(aboveZero, {{"0.01", ""}, {"0.00", gt + "0.00"}, {"-1.00", gt + "0.00"}, {"abc", gt + "0.00"}, {"0x10", ""},
-        {"nan", gt + "0.00"}});
-}
-
-// The one date limit compares the two texts, whatever shape the value has.
-TEST(Checks, ADateLimitComparesAsDates) {
-    const Check fromApril2015 = [](CXMLVar* n, CXMLVar* e) { checkmininclusive("2015-04-01", "", n, e); };
-    expectValues(fromApril2015, {{"2015-03-31", "must be greater than of equal to 2015-04-01"},
-        {"2014-12-31", "must be greater than of equal to 2015-04-01"}, {"2015-04-01", ""}, {"2015-04-02", ""},
-        {"2024-01-01", ""}, {"1999", "must be greater than of equal to 2015-04-01"},
-        {"01.04.2014", "must be greater than of equal to 2015-04-01"},
-        {"01/04/2016", "must be greater than of equal to 2015-04-01"}, {"9", ""}});
-}
-
-TEST(Checks, NumbersAndYears) {
-    const Check integer = [](CXMLVar* n, CXMLVar* e) { checkinteger("", n, e); };
-    const Check decimal = [](CXMLVar* n, CXMLVar* e) { checkdecimal("", n, e); };
-    const Check nonNegative = [](CXMLVar* n, CXMLVar* e) { checknonnegative("", n, e); };
-    const Check year = [](CXMLVar* n, CXMLVar* e) { checkyear("", n, e); };
-    const std::string nni = "must be non negative integer";
-    expectValues(integer, {{"12", ""}, {"-1", ""}, {"1.5", "must be integer"}, {"", "must be integer"},
-        {" 1", "must be integer"}});
-    expectValues(decimal, {{"1.50", ""}, {"-7", ""}, {"1.2.3", "must be a decimal number"},
-        {"abc", "must be a decimal number"}, {"", "must be a decimal number"}});
-    expectValues(nonNegative, {{"0", ""}, {"7", ""}, {"9999999999", ""}, {"-1", nni}, {"00", nni}, {"1.0", nni},
-        {"", nni}});
-    expectValues(year, {{"1900", ""}, {"2100", ""}, {"2023", ""}, {"1899", "must be valid year"},
-        {"2101", "must be valid year"}, {"20.5", "must be valid year"}, {"", "must be valid year"},
-        {"-2000", "must be valid year"}, {"99999999999999999999999", "must be valid year"}, {"000002000", ""}});
-}
-
-TEST(Checks, EnumerationsReportAValueOutsideTheList) {
-    static const char* const yes[] = {"yes"};
-    static const char* const noYesNa[] = {"no", "yes", "na"};
-    const Check yesFlag = [](CXMLVar* n, CXMLVar* e) { checkenumeration(yes, "", n, e); };
-    const Check yesNoNa = [](CXMLVar* n, CXMLVar* e) { checkenumeration(noYesNa, "", n, e); };
-    const Check none = [](CXMLVar* n, CXMLVar* e) { checkenumeration({}, "", n, e); };
-    expectValues(yesFlag, {{"yes", ""}, {"Yes", "must be \"yes\""}, {"", "must be \"yes\""}});
-    expectValues(yesNoNa, {{"na", ""}, {"no", ""}, {"n/a", "must be one of \"no\", \"yes\", \"na\""}});
-    expectValues(none, {{"anything", ""}});
+TEST(Checks, ValuesAndTheirMessages) {
+    const auto rows = testdata::rows("schema_check_values.tsv", 4);
+    for (const auto& f : rows) {
+        const std::string value = testdata::unescape(f[2]);
+        CXMLVar node("CompanyName", value.c_str());
+        CXMLVar errors("Errors");
+        runCheck(f[0], f[1], &node, &errors);
+        const std::vector<std::string> expected =
+            f[3].empty() ? std::vector<std::string>{} : std::vector<std::string>{"Company Name: value \"" + value + "\" - " + f[3]};
+        EXPECT_EQ(texts(errors), expected) << f[0] << " " << f[1] << " on \"" << value << "\"";
+        EXPECT_EQ(node.value.str(), value) << "a check must not change the node";
+    }
+    EXPECT_EQ(rows.size(), 85u);
 }
 
 // The label: empty gives the node's name with spaces; anything else stands.

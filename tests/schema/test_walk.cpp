@@ -3,12 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "schema/table.h"
 #include "support.h"
+#include "support/table.h"
 
 using namespace schemamodel;
 using schematest::parse;
@@ -112,29 +112,12 @@ TEST(Walk, AValidDocumentGivesNoErrors) {
 std::string body(const std::string& loans) { return "<Root><Body><Loans>" + loans + "<Notice><Attached>yes</Attached></Notice></Loans></Body></Root>"; }
 
 TEST(Walk, Dispatch) {
-    std::ifstream in(CT600_SOURCE_DIR "/tests/data/schema_walk_cases.txt", std::ios::binary);
-    std::string what, xml;
-    std::vector<std::string> expected;
-    int n = 0;
-    const auto check = [&] {
-        if (what.empty()) return;
-        auto doc = parse(xml);
-        EXPECT_EQ(walk(doc.get()), expected) << what;
-        expected.clear();
-        ++n;
-    };
-    for (std::string line; std::getline(in, line);) {
-        if (line.rfind("= ", 0) == 0) {
-            check();
-            what = line.substr(2);
-        } else if (line.rfind("> ", 0) == 0) {
-            expected.push_back(line.substr(2));
-        } else if (!line.empty() && line[0] != '#') {
-            xml = line;
-        }
+    const auto cases = testdata::cases("schema_walk_cases.txt");
+    for (const testdata::Case& c : cases) {
+        auto doc = parse(c.body.at(0));
+        EXPECT_EQ(walk(doc.get()), c.expected) << c.what;
     }
-    check();
-    EXPECT_EQ(n, 14);
+    EXPECT_EQ(cases.size(), 14u);
 }
 
 TEST(Walk, NodesWithoutAParentOrAName) {

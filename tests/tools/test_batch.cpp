@@ -17,8 +17,6 @@ namespace fs = std::filesystem;
 // The sample returns validate clean on this day.
 const std::string kToday = "CT600_TODAY=2018-06-30";
 const std::string kFaulty = R"({"form": "ctv3", "from": "01/04/2016", "to": "31/03/2017", "Q155": "10"})";
-const std::string kLongAddress = R"({"form": "ctv3", "from": "01/04/2016", "to": "31/03/2017", "Q155": "1000",
-                                     "Address1": "1234567890123456789012345678901234567890"})";
 
 // A folder of returns: two clean, two with errors, two unreadable, and two
 // files that are no returns of the folder's (a text file, a hidden folder).
@@ -69,31 +67,12 @@ TEST(Batch, ValidateGivesTheSameWhateverTheNumberOfJobs) {
     EXPECT_NE(out.find(prefixed), std::string::npos) << single.out;
 }
 
-TEST(Batch, ExitStatusAndSummary) {
-    const std::string root = returnsFolder("statuses");
-    const struct {
-        std::string arguments;
-        int status;
-        const char* summary;
-    } cases[] = {
-        {"validate " + root + "/clean.json " + root + "/more", 2, "validated 3 files: 2 clean, 0 with errors, 1 unreadable\n"},
-        {"validate " + root + "/clean.json " + root + "/more/clean.xml", 0, "validated 2 files: 2 clean, 0 with errors, 0 unreadable\n"},
-        {"validate -j2 " + root + "/clean.json " + root + "/faulty.json", 1, "validated 2 files: 1 clean, 1 with errors, 0 unreadable\n"},
-        {"validate --jobs=1 " + root + "/faulty.json /no/such.json", 2, "validated 2 files: 0 clean, 1 with errors, 1 unreadable\n"},
-        {"calc " + root + "/clean.json " + root + "/faulty.json", 0, "calculated 2 files: 2 clean, 0 with errors, 0 unreadable\n"},
-        {"calc " + root + "/faulty.json " + put(scratch("address.json"), kLongAddress), 1,
-         "calculated 2 files: 1 clean, 1 with errors, 0 unreadable\n"},
-        {"calc -j 2 " + root, 2, "calculated 6 files: 4 clean, 0 with errors, 2 unreadable\n"},
-    };
-    for (const auto& c : cases) {
-        const CliOutcome o = RunCli(c.arguments, kToday);
-        EXPECT_EQ(o.status, c.status) << c.arguments << "\n" << o.out;
-        EXPECT_EQ(o.out.substr(o.out.size() - std::string(c.summary).size()), c.summary) << c.arguments << "\n" << o.out;
-    }
-    // One file named, with or without --jobs, is today's single run: no summary.
-    const CliOutcome single = RunCli("validate --jobs 2 " + root + "/clean.json", kToday);
-    EXPECT_EQ(single.status, 0);
-    EXPECT_EQ(single.out, "");
+// Exit status, summary and bad usage: cases in tests/data/cli_batch_cases.txt.
+TEST(Batch, CommandCases) {
+    const fs::path folder = freshFolder("batch-cases");
+    returnsFolder("batch-cases/returns");
+    runCases(folder, "cli_batch_cases.txt");
+    EXPECT_EQ(slurp(scratch("batch-cases/returns/clean.json")), slurp(example("full-return.json")));
 }
 
 TEST(Batch, ValidateXmlIsOneDocument) {
@@ -112,7 +91,7 @@ TEST(Batch, ValidateXmlIsOneDocument) {
 
 TEST(Batch, CalcWritesALineOrAFilePerReturn) {
     const std::string root = returnsFolder("calc");
-    const CliOutcome lines = RunCli("calc --jobs 2 " + root + " " + put(scratch("address.json"), kLongAddress));
+    const CliOutcome lines = RunCli("calc --jobs 2 " + root + " " CT600_SOURCE_DIR "/tests/data/cli/address.json");
     EXPECT_EQ(lines.status, 2);
     EXPECT_NE(lines.out.find(root + "/sample.json: tax chargeable 36199.21, tax payable 36199.21\n"),
               std::string::npos) << lines.out;
@@ -162,34 +141,6 @@ TEST(Batch, AWorkerThatStopsIsReportedAndTheRestGoOn) {
         EXPECT_NE(o.out.find("validated 3 files: 1 clean, 1 with errors, 0 unreadable, 1 lost with their worker\n"),
                   std::string::npos) << o.out;
     }
-}
-
-TEST(Batch, BadUsage) {
-    const std::string root = returnsFolder("usage");
-    const fs::path empty = scratch("empty-folder");
-    fs::create_directories(empty);
-    put(scratch("twin-a") / "x.json", kFaulty);
-    put(scratch("twin-b") / "x.json", kFaulty);
-    const struct {
-        std::string arguments;
-        std::string message;
-    } cases[] = {
-        {"validate --jobs 0 " + root, "--jobs takes a whole number from 1 to 1024"},
-        {"validate -j many " + root, "--jobs takes a whole number from 1 to 1024"},
-        {"calc --timeout -1 " + root, "--timeout takes a whole number from 1 to 86400"},
-        {"validate --jobs", "--jobs needs a value"},
-        {"validate " + empty.string(), "no .json or .xml file in " + empty.string()},
-        {"calc -o " + scratch("twins-out").string() + " " + scratch("twin-a").string() + " " +
-             scratch("twin-b").string(),
-         "two returns would have the output x"},
-        {"calc --json -o " + root + " " + root, "would write over the return"},
-    };
-    for (const auto& c : cases) {
-        const CliOutcome o = RunCli(c.arguments);
-        EXPECT_EQ(o.status, 2) << c.arguments << "\n" << o.out;
-        EXPECT_NE(o.out.find(c.message), std::string::npos) << c.arguments << "\n" << o.out;
-    }
-    EXPECT_EQ(slurp(fs::path(root) / "clean.json"), slurp(example("full-return.json")));  // nothing written over
 }
 
 }  // namespace

@@ -96,47 +96,9 @@ TEST(ReportPage, WithoutDatesNoProfitOrOutputFile) {
     EXPECT_EQ(toStdout.out.substr(toStdout.out.size() - 8), "</html>\n");
 }
 
-TEST(ReportPage, EscapesTextAndGivesUtf8) {
-    struct Case {
-        const char* name;
-        std::string file;
-        const char* expected;
-    };
-    const Case cases[] = {
-        // The return's own code page (ISO-8859-1): the pound sign is byte A3.
-        {"latin1.xml",
-         "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><Return><Boxes><form>ctv3</form>"
-         "<name>Smith &amp; Sons &lt;Ltd&gt; \xA3</name><Q155>1000!</Q155></Boxes></Return>",
-         "<h1>Smith &amp; Sons &lt;Ltd&gt; \xC2\xA3</h1>"},
-        {"utf8.json", R"({"form": "ctv3", "name": "Caf\u00e9 \"Noir\" Ltd"})", "<h1>Caf\xC3\xA9 &quot;Noir&quot; Ltd</h1>"},
-        // A user's override keeps its figure and says so.
-        {"override.json", R"({"form": "ctv3", "Q155": "1000!"})",
-         "<td class=\"value\">1,000.00<span class=\"override\""},
-    };
-    for (const auto& c : cases) {
-        const std::string page = reportOf(put(scratch(c.name), c.file));
-        EXPECT_NE(page.find(c.expected), std::string::npos) << c.name;
-        EXPECT_EQ(page.find("<Ltd>"), std::string::npos) << c.name;
-    }
-}
-
-TEST(ReportPage, BadInputAndUsage) {
-    const struct {
-        std::string arguments;
-        const char* message;
-    } cases[] = {
-        {"report /no/such/return.json", "cannot read /no/such/return.json"},
-        {"report " + put(scratch("bad.json"), "{\"Q155\": "), "not a valid JSON box map"},
-        {"report", "report needs a file"},
-        {"report a.json b.json", "report takes one file"},
-        {"report --entry nosuch " + example("sample-return.json"), "no form entry named nosuch"},
-        {"report -o /no/such/folder/page.html " + example("sample-return.json"), "cannot write /no/such/folder"},
-    };
-    for (const auto& c : cases) {
-        const CliOutcome o = RunCli(c.arguments);
-        EXPECT_EQ(o.status, 2) << c.arguments << "\n" << o.out;
-        EXPECT_NE(o.out.find(c.message), std::string::npos) << c.arguments << "\n" << o.out;
-    }
+// Escapes, UTF-8, bad input and usage: cases in tests/data/cli_report_cases.txt.
+TEST(ReportPage, CommandCases) {
+    runCases(freshFolder("report-cases"), "cli_report_cases.txt");
 }
 
 // What a browser makes of the page: the DOM after parsing, fragment included.
