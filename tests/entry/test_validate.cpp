@@ -11,6 +11,7 @@
 
 #include "common/xmlvar.h"
 #include "platform/collections.h"
+#include "support/tree.h"
 
 namespace {
 
@@ -22,15 +23,6 @@ CMapStringToString fullReturn() {
     CMapStringToString boxes;
     for (const auto& [key, value] : doc.items()) boxes[key.c_str()] = value.get<std::string>().c_str();
     return boxes;
-}
-
-std::vector<std::string> texts(const CXMLVar& errors) {
-    std::vector<std::string> out;
-    for (const CXMLVar* error : errors.children) {
-        const CXMLVar* text = error->FindChild("Text");
-        out.push_back(text ? text->value.str() : "<no Text>");
-    }
-    return out;
 }
 
 class ValidateByName : public testing::Test {
@@ -86,7 +78,7 @@ TEST_F(ValidateByName, KnownFaultsComeBackInOrder) {
         for (const auto& [key, value] : c.changes) boxes[key] = value;
         CXMLVar errors("Errors");
         validate(&boxes, &errors);
-        EXPECT_EQ(texts(errors), c.expected) << c.what;
+        EXPECT_EQ(errorTexts(errors), c.expected) << c.what;
         for (const CXMLVar* error : errors.children) EXPECT_EQ(error->name, "Error");
     }
 }
@@ -96,12 +88,12 @@ TEST_F(ValidateByName, ASecondCallAppendsBehindTheFirst) {
     boxes["Q165"] = "1";
     CXMLVar errors("Errors");
     validate(&boxes, &errors);
-    const auto once = texts(errors);
+    const auto once = errorTexts(errors);
     ASSERT_FALSE(once.empty());
     validate(&boxes, &errors);
     auto twice = once;
     twice.insert(twice.end(), once.begin(), once.end());
-    EXPECT_EQ(texts(errors), twice);
+    EXPECT_EQ(errorTexts(errors), twice);
 }
 
 TEST_F(ValidateByName, AnEmptyBoxMapAndNullArgumentsDoNotCrash) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "envelope_support.h"
+#include "support/table.h"
 
 namespace {
 
@@ -87,19 +88,12 @@ std::multimap<std::string, std::string> hmrcBoxes() {
         {"[CTI]", "RingFenceTrade"},        {"[CTJ]", "TaxAvoidanceSchemes"},
     };
     std::multimap<std::string, std::string> out;
-    std::istringstream in(readFile(envtest::sourcePath("tests/envelope/hmrc-ct600-box-map.tsv")));
-    std::string line;
-    while (std::getline(in, line)) {
-        if (line.empty() || line[0] == '#' || line.rfind("box\t", 0) == 0) continue;
-        std::stringstream fields(line);
-        std::string boxes, path;
-        std::getline(fields, boxes, '\t');
-        std::getline(fields, path, '\t');
+    for (auto f : testdata::rows("../envelope/hmrc-ct600-box-map.tsv", 2)) {
+        if (f[0] == "box") continue;
         for (const auto& [mark, root] : pages)
-            if (path.rfind(mark, 0) == 0) path = root + path.substr(mark.size());
-        std::stringstream each(boxes);
-        std::string box;
-        while (std::getline(each, box, '/')) out.emplace(box, path);
+            if (f[1].rfind(mark, 0) == 0) f[1] = root + f[1].substr(mark.size());
+        std::stringstream each(f[0]);
+        for (std::string box; std::getline(each, box, '/');) out.emplace(box, f[1]);
     }
     return out;
 }

@@ -204,12 +204,6 @@ TEST(Submission, TheEnvelopeHoldsTheHeaderAndTheValidationsReturn) {
 
 // ---------------------------------------------------------------- validation
 
-std::vector<std::string> errorTexts(const CXMLVar& errors) {
-    std::vector<std::string> out;
-    for (const CXMLVar* error : errors.children) out.push_back(nodeAt(error, "Text")->value.str());
-    return out;
-}
-
 TEST(Submission, ValidationOfTheFullMessageChecksTheKeys) {
     envtest::EnvGuard today("CT600_TODAY", "2018-06-30");
     const std::string noKey = "5004:At least one key must exist in the IRHeader";
@@ -313,44 +307,6 @@ TEST(SubmissionCommand, ThePasswordGoesOnlyIntoAuthenticationValue) {
         EXPECT_EQ(occurrences(readFile(entry.path().string()), password), 0) << entry.path();
     }
     EXPECT_GE(scanned, 1);  // the log at least; each run removes its own folder, t.xml with it
-}
-
-TEST(SubmissionCommand, MissingCredentialsAreSaidAndLeaveTheirElementsEmpty) {
-    const CliOutcome o = RunCli("message --submission " + kSample,
-                                "env -u CT600_SENDER_ID -u CT600_SENDER_PASSWORD -u CT600_VENDOR_ID");
-    ASSERT_EQ(o.status, 0) << o.out;
-    for (const char* said : {"CT600_SENDER_ID", "CT600_SENDER_PASSWORD", "CT600_VENDOR_ID"})
-        EXPECT_NE(o.out.find(said), std::string::npos) << said;
-    for (const char* empty : {"<SenderID/>", "<Value/>", "<URI/>"})
-        EXPECT_NE(o.out.find(empty), std::string::npos) << empty;
-}
-
-TEST(SubmissionCommand, BadUseAndAnOutputOverTheReturnAreRefused) {
-    const fs::path copy = fs::path(GetTempDir().str()) / "return.json";
-    fs::copy_file(kSample, copy, fs::copy_options::overwrite_existing);
-    const std::string before = readFile(copy.string());
-    const fs::path folder = fs::path(GetTempDir().str()) / "outputs";
-    fs::remove_all(folder);
-    fs::create_directories(folder / "a-folder");
-    struct Case {
-        std::string arguments;
-        const char* message;
-    };
-    const Case cases[] = {
-        {"message --test " + kSample, "--test and --password-stdin go with --submission"},
-        {"message --password-stdin " + kSample, "--test and --password-stdin go with --submission"},
-        {"message --submission -o " + copy.string() + " " + copy.string(), "would replace it"},
-        {"message --submission -o", "-o needs a value"},
-        {"message --submission -o " + (folder / "a-folder").string() + " " + kSample, "cannot write"},
-    };
-    for (const Case& c : cases) {
-        const CliOutcome o = RunCli(c.arguments, "CT600_SENDER_PASSWORD=x");
-        EXPECT_EQ(o.status, 2) << c.arguments;
-        EXPECT_NE(o.out.find(c.message), std::string::npos) << c.arguments << "\n" << o.out;
-    }
-    EXPECT_EQ(readFile(copy.string()), before);
-    // The failed rename left no temporary file behind.
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder), fs::directory_iterator()), 1);
 }
 
 }  // namespace

@@ -42,13 +42,6 @@ inline Edit drop(const char* path) { return {Edit::Drop, path, "", {}}; }
 inline Edit attr(const char* path, const char* name, const char* value) {
     return {Edit::Attr, path, "", {{name, value}}};
 }
-// A PDF attachment as the envelope places one.
-inline Edit pdf(const char* filename, const char* type = nullptr) {
-    std::vector<std::pair<std::string, std::string>> attrs{{"Filename", filename}, {"FileFormat", "pdf"}};
-    if (type) attrs.emplace_back("Type", type);
-    return add("AttachedFiles/Attachment", "JVBERi0xLjQKJe++", std::move(attrs));
-}
-
 inline CXMLVar* returnOf(CXMLVar* message) {
     CXMLVar* node = message;
     for (const char* name : {"Body", "IRenvelope", "CompanyTaxReturn"}) node = node ? node->FindChild(name) : nullptr;
@@ -88,15 +81,7 @@ inline void apply(CXMLVar* message, const Edit& edit) {
     }
 }
 
-// The texts of the Error children, in order.
-inline std::vector<std::string> errorTexts(const CXMLVar& errors) {
-    std::vector<std::string> texts;
-    for (const CXMLVar* error : errors.children) {
-        const CXMLVar* text = error->FindChild("Text");
-        texts.emplace_back(text ? text->value.c_str() : "<no Text>");
-    }
-    return texts;
-}
+using ::errorTexts;
 
 // Runs every rule over the message and gives the error texts.
 inline std::vector<std::string> runRules(CXMLVar* message) {

@@ -1,14 +1,12 @@
 // Helpers shared by the schema suites: the texts of the errors a check or a
-// walk leaves, documents from text, and edits by path.
+// walk leaves, documents from text, and the case files of edits.
 #pragma once
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <sstream>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "common/xmlvar.h"
@@ -39,40 +37,6 @@ inline std::unique_ptr<CXMLVar> parse(const std::string& xml) {
     return root;
 }
 
-// The node at a path of steps separated by "/", or null.
-inline CXMLVar* at(CXMLVar* node, const std::string& path) { return nodeAt(node, path); }
-
-// Edits on a document; every path is from the root.
-struct Edit {
-    enum Kind { Set, Add, Drop, Rename, Attr } kind;
-    std::string path;
-    std::string name;  // Add: the new child; Rename: the new name; Attr: the attribute
-    std::string value;
-};
-using Edits = std::vector<Edit>;
-
-inline Edit set(std::string path, std::string value) { return {Edit::Set, std::move(path), "", std::move(value)}; }
-inline Edit add(std::string parent, std::string name, std::string value = "") {
-    return {Edit::Add, std::move(parent), std::move(name), std::move(value)};
-}
-inline Edit drop(std::string path) { return {Edit::Drop, std::move(path), "", ""}; }
-inline Edit renameTo(std::string path, std::string name) { return {Edit::Rename, std::move(path), std::move(name), ""}; }
-inline Edit attr(std::string path, std::string name, std::string value) {
-    return {Edit::Attr, std::move(path), std::move(name), std::move(value)};
-}
-
-inline void apply(CXMLVar* root, const Edit& e) {
-    CXMLVar* node = at(root, e.path);
-    ASSERT_NE(node, nullptr) << e.path;
-    switch (e.kind) {
-        case Edit::Set: node->value = e.value; break;
-        case Edit::Add: node->AddChild(new CXMLVar(e.name.c_str(), e.value.c_str()), nullptr); break;
-        case Edit::Drop: node->parent->DeleteChild(node); break;
-        case Edit::Rename: node->name = e.name; break;
-        case Edit::Attr: node->SetAttr(e.name.c_str(), e.value.c_str()); break;
-    }
-}
-
 // The errors of a schema walk over the document.
 inline std::vector<std::string> walk(CXMLVar* root) {
     CXMLVar errors("Errors");
@@ -100,16 +64,16 @@ inline void runCaseFile(const std::string& document, const char* file) {
             std::stringstream cells(line);
             for (std::string cell; std::getline(cells, cell, '\t');) f.push_back(cell);
             f.resize(4);
-            if (f[0] == "copy") {
-                CXMLVar* node = at(doc.get(), f[1]);
-                ASSERT_NE(node, nullptr) << c.what;
+            CXMLVar* node = nodeAt(doc.get(), f[1]);
+            ASSERT_NE(node, nullptr) << c.what << ": " << f[1];
+            if (f[0] == "copy")
                 for (int i = std::stoi(f[2]); i > 0; --i)
                     node->parent->AddChild(new CXMLVar(node->name, node->value), node)->CloneChildren(node);
-                continue;
-            }
-            const Edit::Kind kind = f[0] == "set" ? Edit::Set : f[0] == "add" ? Edit::Add : f[0] == "drop" ? Edit::Drop
-                                  : f[0] == "rename" ? Edit::Rename : Edit::Attr;
-            apply(doc.get(), {kind, f[1], f[2], untab(f[3])});
+            else if (f[0] == "set") node->value = untab(f[3]);
+            else if (f[0] == "add") node->AddChild(new CXMLVar(f[2].c_str(), untab(f[3]).c_str()), nullptr);
+            else if (f[0] == "drop") node->parent->DeleteChild(node);
+            else if (f[0] == "rename") node->name = f[2];
+            else node->SetAttr(f[2].c_str(), untab(f[3]).c_str());
         }
         std::vector<std::string> expected;
         for (const std::string& e : c.expected) expected.push_back(untab(e));

@@ -1,4 +1,5 @@
-// Trees for the suites: from text and from files, and the node at a path.
+// Trees for the suites: from text and from files, the node at a path, and
+// the texts of errors.
 #pragma once
 
 #include <cstdlib>
@@ -7,6 +8,7 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "common/xmlvar.h"
 
@@ -55,4 +57,14 @@ inline CXMLVar* nodeAt(CXMLVar* node, std::string_view path, bool create = false
 
 inline const CXMLVar* nodeAt(const CXMLVar* node, std::string_view path) {
     return nodeAt(const_cast<CXMLVar*>(node), path, false);
+}
+
+// The Text of each Error of a tree of errors, in order.
+inline std::vector<std::string> errorTexts(const CXMLVar& errors) {
+    std::vector<std::string> texts;
+    for (const CXMLVar* error : errors.children) {
+        const CXMLVar* text = error->FindChild("Text");
+        texts.emplace_back(text ? text->value.c_str() : "<no Text>");
+    }
+    return texts;
 }
