@@ -23,7 +23,9 @@ inline constexpr int kStandardRateCompanyToo = 3;    // charged as type 2
 // margintext receive the report wording of the rate and of the relief; node,
 // when given, receives the Reductions, MSRR and MSCR elements of the report.
 // ladder chooses the law; under current law years from FY2017 on are charged
-// by the current-law table, each year's text naming its source.
+// by the current-law table, each year's text naming its source, and the
+// limits are held exactly (shown to the penny) where the default ladder
+// truncates them to the pound.
 double CTrate(int year, double Profit, double BasicProfit, double& msrr, double& mscr, CString& text,
               CString& margintext, int associates, int days, CXMLVar* node, int type,
               RateLadder ladder = RateLadder::Default);
