@@ -57,14 +57,15 @@ void CTcharge_16(CMapStringToString* boxes, CString prefix, CMapStringToString* 
     } else {
         YearRules rules = kYearRules16;
         rules.ladder = RateLadder::CurrentLaw;
-        // The years' shares of the relief are summed as they stand and the
-        // sum taken to the penny below once: with the exact limits that gives
-        // HMRC's own figures (CTM03956: 425.00, where two shares each rounded
-        // down would lose a penny).
-        rules.reliefShareToPennyBelow = false;
         ChargeYears(run, &root, rules, AssociatedCompaniesInYear(box, prefix, false),
                     AssociatedCompaniesInYear(box, prefix, true));
-        run.relief = roundpennydown(run.relief);
+        // The years of the current-law table add their shares of the relief
+        // as they stand, and the sum goes to the penny below once: with the
+        // exact limits that gives HMRC's own figures (CTM03956: 425.00, where
+        // two shares each rounded down lose a penny). Earlier years keep the
+        // default's rounding, each share on its own.
+        if (CurrentLawTableYear(run.FY1) || (run.year2 && CurrentLawTableYear(run.FY2)))
+            run.relief = roundpennydown(run.relief);
         // Distributions are no longer matched to profits (that ended in 2006).
         SettleTotals(run, &root);
     }

@@ -34,6 +34,10 @@ double CTrate(int year, double Profit, double BasicProfit, double& msrr, double&
 // year that has none (before FY2023, when all profits paid one rate).
 double SmallProfitsRate(int year);
 
+// True when current law charges the financial year by its own table (FY2017
+// on); the years before it charges as the default ladder does.
+bool CurrentLawTableYear(int year);
+
 // Scales a limit by numerator/denominator, truncating, and reports the change.
 // A limit of 0 is left alone without a word; a denominator of 0 counts as 1.
 void ReduceThreshold(int& limit, int numerator, int denominator, CString& text, CXMLVar* node = nullptr);

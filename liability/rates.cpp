@@ -158,6 +158,8 @@ double SmallProfitsRate(int year) {
     return row && row->upperLimit > 0 ? row->smallProfitsRate : 0.0;
 }
 
+bool CurrentLawTableYear(int year) { return currentLawRowFor(year) != nullptr; }
+
 void ReduceThreshold(int& limit, int numerator, int denominator, CString& text, CXMLVar* node) {
     if (limit == 0) return;
     if (denominator == 0) denominator = 1;
