@@ -62,10 +62,9 @@ void CTcharge_16(CMapStringToString* boxes, CString prefix, CMapStringToString* 
         // The years of the current-law table add their shares of the relief
         // as they stand, and the sum goes to the penny below once: with the
         // exact limits that gives HMRC's own figures (CTM03956: 425.00, where
-        // two shares each rounded down lose a penny). Earlier years keep the
-        // default's rounding, each share on its own.
-        if (CurrentLawTableYear(run.FY1) || (run.year2 && CurrentLawTableYear(run.FY2)))
-            run.relief = roundpennydown(run.relief);
+        // two shares each rounded down lose a penny). A period that ends
+        // before the table keeps the default's rounding, share by share.
+        if (CurrentLawTableYear(FinancialYear(run.to))) run.relief = roundpennydown(run.relief);
         // Distributions are no longer matched to profits (that ended in 2006).
         SettleTotals(run, &root);
     }
