@@ -6,8 +6,8 @@
 
 namespace {
 
-// More associated companies than this is a typing slip; the limits are
-// whole pounds, and the bound keeps 1 + the count clear of overflow.
+// More associated companies than this is a typing slip; the bound keeps
+// 1 + the count clear of overflow.
 constexpr double kMostAssociates = 1000000;
 
 bool namesCurrentLaw(CString text) {

@@ -59,6 +59,12 @@ void CTcharge_16(CMapStringToString* boxes, CString prefix, CMapStringToString* 
         rules.ladder = RateLadder::CurrentLaw;
         ChargeYears(run, &root, rules, AssociatedCompaniesInYear(box, prefix, false),
                     AssociatedCompaniesInYear(box, prefix, true));
+        // The years of the current-law table add their shares of the relief
+        // as they stand, and the sum goes to the penny below once: with the
+        // exact limits that gives HMRC's own figures (CTM03956: 425.00, where
+        // two shares each rounded down lose a penny). A period that ends
+        // before the table keeps the default's rounding, share by share.
+        if (CurrentLawTableYear(FinancialYear(run.to))) run.relief = roundpennydown(run.relief);
         // Distributions are no longer matched to profits (that ended in 2006).
         SettleTotals(run, &root);
     }

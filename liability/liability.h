@@ -23,7 +23,9 @@ inline constexpr int kStandardRateCompanyToo = 3;    // charged as type 2
 // margintext receive the report wording of the rate and of the relief; node,
 // when given, receives the Reductions, MSRR and MSCR elements of the report.
 // ladder chooses the law; under current law years from FY2017 on are charged
-// by the current-law table, each year's text naming its source.
+// by the current-law table, each year's text naming its source, and the
+// limits are held exactly (shown to the penny) where the default ladder
+// truncates them to the pound.
 double CTrate(int year, double Profit, double BasicProfit, double& msrr, double& mscr, CString& text,
               CString& margintext, int associates, int days, CXMLVar* node, int type,
               RateLadder ladder = RateLadder::Default);
@@ -31,6 +33,10 @@ double CTrate(int year, double Profit, double BasicProfit, double& msrr, double&
 // The small profits rate of the financial year under current law; 0 for a
 // year that has none (before FY2023, when all profits paid one rate).
 double SmallProfitsRate(int year);
+
+// True when current law charges the financial year by its own table (FY2017
+// on); the years before it charges as the default ladder does.
+bool CurrentLawTableYear(int year);
 
 // Scales a limit by numerator/denominator, truncating, and reports the change.
 // A limit of 0 is left alone without a word; a denominator of 0 counts as 1.

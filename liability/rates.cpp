@@ -1,5 +1,6 @@
 // Corporation tax rates, limits and marginal relief fractions by financial year.
 #include <climits>
+#include <cmath>
 #include <cstdint>
 #include <initializer_list>
 #include <optional>
@@ -104,14 +105,32 @@ int clampToInt(std::int64_t value) {
     return static_cast<int>(value);
 }
 
+// A limit as the report shows it: whole pounds, or pounds and pence where a
+// limit held exactly (current law) has a part of a pound.
+CString limitText(double limit) { return limit == std::floor(limit) ? FormatString("%.0f", limit) : fmt2(limit); }
+
+// ReduceThreshold for a limit held exactly: under current law 250,000 shared
+// between three companies is 83,333.33..., not 83,333, and HMRC works the
+// relief on that.
+void reduceExactly(double& limit, int numerator, int denominator, CString& text, CXMLVar* node) {
+    if (limit == 0) return;
+    if (denominator == 0) denominator = 1;
+    CXMLVar* reduction = node ? node->AddChild(new CXMLVar("Reduction")) : nullptr;
+    text.AppendFormat("%s threshhold ", limitText(limit).c_str());
+    if (reduction) reduction->SetAttr("from", limitText(limit).c_str());
+    limit = limit * numerator / denominator;
+    if (reduction) reduction->SetAttr("to", limitText(limit).c_str());
+    text.AppendFormat("reduced to %s<br>", limitText(limit).c_str());
+}
+
 // (upper - Profit) x BasicProfit / Profit x F, left to right.
-double reliefAmount(int upper, double Profit, double BasicProfit, Fraction fraction) {
+double reliefAmount(double upper, double Profit, double BasicProfit, Fraction fraction) {
     if (Profit == 0) return 0.0;
     const double f = static_cast<double>(fraction.numerator) / (fraction.denominator ? fraction.denominator : 1);
     return (upper - Profit) * BasicProfit / Profit * f;
 }
 
-void reportRelief(const char* name, int upper, double Profit, double BasicProfit, Fraction fraction, double amount,
+void reportRelief(const char* name, double upper, double Profit, double BasicProfit, Fraction fraction, double amount,
                   CString& margintext, CXMLVar* node) {
     const bool apportioned = BasicProfit != Profit;
     if (node) {
@@ -122,13 +141,14 @@ void reportRelief(const char* name, int upper, double Profit, double BasicProfit
         if (apportioned) child->AddChild("I", fmt2(BasicProfit));
     }
     const double n = fraction.numerator, d = fraction.denominator;
+    const CString U = limitText(upper);
     if (apportioned)
-        margintext.AppendFormat("(%.0f-%.0f) x (%.0f / %.0f) x (%.0f / %.0f) = %.2f<BR>\n", double(upper), Profit,
+        margintext.AppendFormat("(%s-%.0f) x (%.0f / %.0f) x (%.0f / %.0f) = %.2f<BR>\n", U.c_str(), Profit,
                                 BasicProfit, Profit, n, d, amount);
     else if (CString(name) == "MSRR")
-        margintext.AppendFormat("(%.0f-%.0f) x (%.0f / %.0f) = %.2f<BR>\n", double(upper), Profit, n, d, amount);
+        margintext.AppendFormat("(%s-%.0f) x (%.0f / %.0f) = %.2f<BR>\n", U.c_str(), Profit, n, d, amount);
     else
-        margintext.AppendFormat("(%.0f-%.0f) x  (%.0f / %.0f) = %.2f<BR>\n", double(upper), Profit, n, d, amount);
+        margintext.AppendFormat("(%s-%.0f) x  (%.0f / %.0f) = %.2f<BR>\n", U.c_str(), Profit, n, d, amount);
 }
 
 }  // namespace
@@ -137,6 +157,8 @@ double SmallProfitsRate(int year) {
     const CurrentLawRow* row = currentLawRowFor(year);
     return row && row->upperLimit > 0 ? row->smallProfitsRate : 0.0;
 }
+
+bool CurrentLawTableYear(int year) { return currentLawRowFor(year) != nullptr; }
 
 void ReduceThreshold(int& limit, int numerator, int denominator, CString& text, CXMLVar* node) {
     if (limit == 0) return;
@@ -185,11 +207,19 @@ double CTrate(int year, double Profit, double BasicProfit, double& msrr, double&
     }
 
     const LadderRow row = current ? asLadderRow(*current) : rowFor(kFullLadder, year);
-    int startingLower = row.startingLower, startingUpper = row.startingUpper;
-    int smallLower = row.smallLower, smallUpper = row.smallUpper;
+    double startingLower = row.startingLower, startingUpper = row.startingUpper;
+    double smallLower = row.smallLower, smallUpper = row.smallUpper;
 
     // Limits are shared between associated companies and scaled down for a
-    // short period, the second pass working on the first's truncated result.
+    // short period. The default ladder truncates each to the pound, the second
+    // pass working on the first's truncated result; current law holds them
+    // exactly, as the Act states them.
+    const auto reduce = [&](double& limit, int numerator, int denominator, CXMLVar* reductions) {
+        if (current) return reduceExactly(limit, numerator, denominator, text, reductions);
+        int pounds = static_cast<int>(limit);
+        ReduceThreshold(pounds, numerator, denominator, text, reductions);
+        limit = pounds;
+    };
     auto reduceLimits = [&](const CString& label, int numerator, int denominator) {
         text += "<br>";
         text += "<b>";
@@ -200,8 +230,8 @@ double CTrate(int year, double Profit, double BasicProfit, double& msrr, double&
             reductions = node->AddChild(new CXMLVar("Reductions"));
             reductions->SetAttr("desc", label);
         }
-        for (int* limit : {&startingLower, &smallLower, &startingUpper, &smallUpper})
-            ReduceThreshold(*limit, numerator, denominator, text, reductions);
+        for (double* limit : {&startingLower, &smallLower, &startingUpper, &smallUpper})
+            reduce(*limit, numerator, denominator, reductions);
         text += "<br>";
     };
     // Current law from FY2017 to FY2022 has no limits, so nothing to reduce.

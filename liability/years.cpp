@@ -156,7 +156,10 @@ CXMLVar* CTyear(const YearRules& rules, const char* from, const char* to, int& f
         html += reliefText;
         html.AppendFormat("%d/%d x %.2f = %.2f<BR>\n", fydays, totaldays, M, reliefShare);
         reliefrows.AppendFormat("<tr><td>%d</td><td align=right>%.2f</td></tr>", fy, reliefShare);
-        relief += rules.reliefShareToPennyBelow ? roundpennydown(reliefShare) : reliefShare;
+        // A year of the current-law table adds its share as it stands; the
+        // driver takes the sum to the penny below once.
+        const bool exact = rules.ladder == RateLadder::CurrentLaw && CurrentLawTableYear(fy);
+        relief += rules.reliefShareToPennyBelow && !exact ? roundpennydown(reliefShare) : reliefShare;
         if (node) {
             CXMLVar* band = node->GetChild(starting ? "MSRR" : "MSCR");
             band->AddChild("m1", fmt2(M));

@@ -63,7 +63,7 @@ TEST_F(CurrentLawMessage, AssociatedCompaniesAheadOfTheYearsOnlyUnderCurrentLaw)
          "CorporationTaxChargeable(AssociatedCompanies(ThisPeriod=1 StartingOrSmallCompaniesRate=yes) "
          "FinancialYearOne(Year=2023 Details(Profit=100000.00 TaxRate=25.00 Tax=25000.00)))",
          "MarginalReliefForRingFenceTrades=375.00", "NetCorporationTaxChargeable=24625.00"},
-        // As in the liability suite: 24,863 and 75,137 at 25%, relief 559.42 + 281.76.
+        // As in the liability suite: 24,863 and 75,137 at 25%, relief 559.426 + 281.762 -> 841.18.
         {"associates by financial year",
          {{"rates", "current"}, {"from", "01/01/2024"}, {"to", "31/12/2024"}, {"Q155", "100000"}, {"Q327", "0"},
           {"Q328", "1"}},
@@ -116,8 +116,8 @@ TEST_F(CurrentLawMessage, RulesOnTheReliefBox) {
     // A return as the calculator leaves it under current law, over 1 April
     // 2024 with one associate: 24,863 and 75,137 at 25%, 6,215.75 + 18,784.25
     // = 25,000.00; relief 3/200 x (125,000 - 100,000) = 375 shared 91/366 and
-    // 275/366, 93.23 + 281.76 = 374.99 in Q435; 24,625.01 in Q440; no ring
-    // fence page. By default 19% in both years, 19,000.00.
+    // 275/366, 375.00 in Q435; 24,625.00 in Q440; no ring fence page. By
+    // default 19% in both years, 19,000.00.
     const Pairs consistent = {{"from", "01/01/2024"}, {"to", "31/12/2024"}, {"Q155", "100000"}, {"Q326", "1"}};
     struct Case {
         const char* what;
