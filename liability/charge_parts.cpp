@@ -222,8 +222,15 @@ void SaveChargeTree(CXMLVar& root, CMapStringToString& results) {
     root.Save(text, 1);
     results["xml/CT/CTchargeable"] = text;
     // The file is what the suite shows, so it names its style sheet; the text
-    // in the results is data and goes without.
-    root.AddStyle(GetFormatsDir() + "\\ctcharge.xsl");
+    // in the results is data and goes without. The two differ only in the
+    // style sheet's line after the declaration, so the tree is written once:
+    // an empty node saves as its declaration and style sheet line alone.
+    CXMLVar styled;
+    styled.AddStyle(GetFormatsDir() + "\\ctcharge.xsl");
+    CString head;
+    styled.Save(head, 1);
+    CString declaration;
+    CXMLVar().Save(declaration, 1);
     ReplaceFile file(TempFilePath("ctcharge.xml"));
-    root.Save(file, 1, 0, 0);
+    file << head.view() << text.view().substr(static_cast<std::size_t>(declaration.GetLength()));
 }
