@@ -1,6 +1,7 @@
 #include "boxstore/calcbase.h"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -70,14 +71,31 @@ void BoxIndex::Walk(const CMapStringToString& boxes) {
     mapSize = boxes.items().size() - made;
 }
 
+namespace {
+// Up to eight bytes as one word, zero above them, read in at most three loads
+// that never pass the last byte.
+std::uint64_t keyWord(const char* bytes, std::size_t n) {
+    std::uint64_t word = 0;
+    if constexpr (std::endian::native != std::endian::little) {
+        std::memcpy(&word, bytes, n);
+    } else if (n >= 4) {
+        std::uint32_t low, high;
+        std::memcpy(&low, bytes, 4);
+        std::memcpy(&high, bytes + n - 4, 4);
+        word = low | static_cast<std::uint64_t>(high) << (8 * (n - 4));
+    } else if (n > 0) {
+        const auto byte = [bytes](std::size_t i) { return static_cast<std::uint64_t>(static_cast<unsigned char>(bytes[i])) << (8 * i); };
+        word = byte(0) | byte(n / 2) | byte(n - 1);
+    }
+    return word;
+}
+}  // namespace
+
 BoxIndex::Slot* BoxIndex::Find(std::string_view key) {
     if (slots_.empty() || key.size() > kMaxKey) return nullptr;
     // The key as two words: one multiply each hashes it, two compares match it.
-    char bytes[kMaxKey] = {};
-    std::memcpy(bytes, key.data(), key.size());
-    std::uint64_t head, tail;
-    std::memcpy(&head, bytes, 8);
-    std::memcpy(&tail, bytes + 8, 8);
+    const std::uint64_t head = keyWord(key.data(), std::min<std::size_t>(key.size(), 8));
+    const std::uint64_t tail = key.size() > 8 ? keyWord(key.data() + 8, key.size() - 8) : 0;
     const std::uint64_t hash = (head * 0x9E3779B97F4A7C15ull) ^ (tail * 0xC2B2AE3D27D4EB4Full) ^ key.size();
     const std::size_t mask = slots_.size() - 1;
     for (std::size_t i = static_cast<std::size_t>((hash * 0xFF51AFD7ED558CCDull) >> shift_);; i = (i + 1) & mask) {
@@ -234,7 +252,7 @@ void CBaseCalc::SetBox(const char* key, double value) {
     }
     if (slot) {
         // The index knows every key of m_Values: one it has no place for is new.
-        if (!slot->value) slot->value = m_Values.Append(full.view()) + 1;
+        if (!slot->value) slot->value = static_cast<std::uint32_t>(m_Values.Append(full.view()) + 1);
         m_Values[slot->value - 1] = value;
     } else {
         m_Values[m_Values.Place(full.view())] = value;
@@ -316,7 +334,7 @@ void Helper(CBaseCalc* calc, CMapStringToString* boxes, CString* prefix, CMapStr
     } run(calc->m_Index, *boxes);
     // Numbers kept from an earlier run of the object keep their places.
     for (std::size_t i = 0; i < calc->m_Values.size(); ++i)
-        if (BoxIndex::Slot* slot = calc->m_Index.Find(calc->m_Values.begin()[i].first.view())) slot->value = i + 1;
+        if (BoxIndex::Slot* slot = calc->m_Index.Find(calc->m_Values.begin()[i].first.view())) slot->value = static_cast<std::uint32_t>(i + 1);
     calc->Calc();
     if (out)
         for (const auto& [key, text] : calc->m_Changed.items()) (*out)[key] = text;

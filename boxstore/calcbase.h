@@ -26,10 +26,12 @@
 // to 13 bytes; a longer key, or a full table, goes to the map itself.
 class BoxIndex {
 public:
+    // Half a cache line: the table of a full return stays small enough to
+    // clear and probe cheaply.
     struct Slot {
-        CString* text = nullptr;
-        std::size_t value = 0;  // 1 + the key's place in m_Values, or 0
         std::uint64_t head = 0, tail = 0;  // the key's bytes, zero-padded
+        CString* text = nullptr;
+        std::uint32_t value = 0;  // 1 + the key's place in m_Values, or 0
         std::uint8_t length = 0;
         bool used = false;
     };
