@@ -1,6 +1,6 @@
-// FormatFixed against the C library's "%.*f": amounts are worked in integers,
-// so the ties, the carries and the ends of that range are checked by name and
-// a spread of random doubles against printf itself.
+// FormatFixed and CTime::Format against the C library's printf. Amounts are
+// worked in integers, so the ties, the carries and the ends of that range are
+// checked by name, and a spread of random doubles against printf itself.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -11,6 +11,7 @@
 #include <string>
 
 #include "platform/cstring.h"
+#include "platform/ctime.h"
 
 namespace {
 std::string printfFixed(double value, int decimals) {
@@ -59,3 +60,16 @@ TEST(FormatFixed, RandomAmountsReadAsPrintfReadsThem) {
     }
 }
 }  // namespace
+
+// CTime::Format pads as printf's "%02d" and "%03d" do, the sign first. 5 April
+// is day 95, or 96 in a leap year: 2016, -12 (divisible by 4) and 123456.
+TEST(CTimeFormat, NumbersPadAsPrintf) {
+    const struct {
+        int year;
+        const char* text;
+    } cases[] = {{2016, "2016 16 05/04 096"}, {7, "7 07 05/04 095"}, {-12, "-12 88 05/04 096"}, {123456, "123456 56 05/04 096"}};
+    for (const auto& c : cases) {
+        const CTime day(c.year, 4, 5, 12, 0, 0, -1);
+        EXPECT_EQ(day.Format("%Y %y %d/%m %j").str(), c.text) << c.year;
+    }
+}
