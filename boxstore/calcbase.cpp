@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <cstring>
 #include <string_view>
+#include <tuple>
+#include <type_traits>
 #include <vector>
 
 namespace {
@@ -53,11 +55,14 @@ bool rowNumber(std::string_view digits, int& number) {
 }  // namespace
 
 void BoxIndex::Start(const CMapStringToString& boxes) {
+    // Room for the map and for 256 keys more, at most two thirds full.
     std::size_t size = 256;
     int bits = 8;
-    for (; size < 2 * (boxes.items().size() + 256); ++bits) size *= 2;
+    for (; 2 * size < 3 * (boxes.items().size() + 256); ++bits) size *= 2;
     shift_ = 64 - bits;
-    slots_.assign(size, Slot{});
+    static_assert(std::is_trivial_v<Slot>);
+    slots_.clear();
+    slots_.resize(size);
     used_ = 0;
     made = 0;
     Walk(boxes);
@@ -233,7 +238,7 @@ std::size_t ValueStore::Place(std::string_view key) {
 }
 
 std::size_t ValueStore::Append(std::string_view key) {
-    items_.emplace_back(CString(key), 0.0);
+    items_.emplace_back(std::piecewise_construct, std::forward_as_tuple(key.data(), key.size()), std::forward_as_tuple(0.0));
     return items_.size() - 1;
 }
 
