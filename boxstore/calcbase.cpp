@@ -1,11 +1,14 @@
 #include "boxstore/calcbase.h"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <string_view>
+#include <tuple>
+#include <type_traits>
 #include <vector>
 
 namespace {
@@ -52,11 +55,14 @@ bool rowNumber(std::string_view digits, int& number) {
 }  // namespace
 
 void BoxIndex::Start(const CMapStringToString& boxes) {
+    // Room for the map and for 256 keys more, at most two thirds full.
     std::size_t size = 256;
     int bits = 8;
-    for (; size < 2 * (boxes.items().size() + 256); ++bits) size *= 2;
+    for (; 2 * size < 3 * (boxes.items().size() + 256); ++bits) size *= 2;
     shift_ = 64 - bits;
-    slots_.assign(size, Slot{});
+    static_assert(std::is_trivial_v<Slot>);
+    slots_.clear();
+    slots_.resize(size);
     used_ = 0;
     made = 0;
     Walk(boxes);
@@ -70,14 +76,31 @@ void BoxIndex::Walk(const CMapStringToString& boxes) {
     mapSize = boxes.items().size() - made;
 }
 
+namespace {
+// Up to eight bytes as one word, zero above them, read in at most three loads
+// that never pass the last byte.
+std::uint64_t keyWord(const char* bytes, std::size_t n) {
+    std::uint64_t word = 0;
+    if constexpr (std::endian::native != std::endian::little) {
+        std::memcpy(&word, bytes, n);
+    } else if (n >= 4) {
+        std::uint32_t low, high;
+        std::memcpy(&low, bytes, 4);
+        std::memcpy(&high, bytes + n - 4, 4);
+        word = low | static_cast<std::uint64_t>(high) << (8 * (n - 4));
+    } else if (n > 0) {
+        const auto byte = [bytes](std::size_t i) { return static_cast<std::uint64_t>(static_cast<unsigned char>(bytes[i])) << (8 * i); };
+        word = byte(0) | byte(n / 2) | byte(n - 1);
+    }
+    return word;
+}
+}  // namespace
+
 BoxIndex::Slot* BoxIndex::Find(std::string_view key) {
     if (slots_.empty() || key.size() > kMaxKey) return nullptr;
     // The key as two words: one multiply each hashes it, two compares match it.
-    char bytes[kMaxKey] = {};
-    std::memcpy(bytes, key.data(), key.size());
-    std::uint64_t head, tail;
-    std::memcpy(&head, bytes, 8);
-    std::memcpy(&tail, bytes + 8, 8);
+    const std::uint64_t head = keyWord(key.data(), std::min<std::size_t>(key.size(), 8));
+    const std::uint64_t tail = key.size() > 8 ? keyWord(key.data() + 8, key.size() - 8) : 0;
     const std::uint64_t hash = (head * 0x9E3779B97F4A7C15ull) ^ (tail * 0xC2B2AE3D27D4EB4Full) ^ key.size();
     const std::size_t mask = slots_.size() - 1;
     for (std::size_t i = static_cast<std::size_t>((hash * 0xFF51AFD7ED558CCDull) >> shift_);; i = (i + 1) & mask) {
@@ -215,7 +238,7 @@ std::size_t ValueStore::Place(std::string_view key) {
 }
 
 std::size_t ValueStore::Append(std::string_view key) {
-    items_.emplace_back(CString(key), 0.0);
+    items_.emplace_back(std::piecewise_construct, std::forward_as_tuple(key.data(), key.size()), std::forward_as_tuple(0.0));
     return items_.size() - 1;
 }
 
@@ -234,7 +257,7 @@ void CBaseCalc::SetBox(const char* key, double value) {
     }
     if (slot) {
         // The index knows every key of m_Values: one it has no place for is new.
-        if (!slot->value) slot->value = m_Values.Append(full.view()) + 1;
+        if (!slot->value) slot->value = static_cast<std::uint32_t>(m_Values.Append(full.view()) + 1);
         m_Values[slot->value - 1] = value;
     } else {
         m_Values[m_Values.Place(full.view())] = value;
@@ -316,7 +339,7 @@ void Helper(CBaseCalc* calc, CMapStringToString* boxes, CString* prefix, CMapStr
     } run(calc->m_Index, *boxes);
     // Numbers kept from an earlier run of the object keep their places.
     for (std::size_t i = 0; i < calc->m_Values.size(); ++i)
-        if (BoxIndex::Slot* slot = calc->m_Index.Find(calc->m_Values.begin()[i].first.view())) slot->value = i + 1;
+        if (BoxIndex::Slot* slot = calc->m_Index.Find(calc->m_Values.begin()[i].first.view())) slot->value = static_cast<std::uint32_t>(i + 1);
     calc->Calc();
     if (out)
         for (const auto& [key, text] : calc->m_Changed.items()) (*out)[key] = text;

@@ -26,12 +26,15 @@
 // to 13 bytes; a longer key, or a full table, goes to the map itself.
 class BoxIndex {
 public:
+    // Half a cache line: the table of a full return stays small enough to
+    // clear and probe cheaply.
+    // An empty slot is all zero bytes (Slot{}), so a table is cleared in one sweep.
     struct Slot {
-        CString* text = nullptr;
-        std::size_t value = 0;  // 1 + the key's place in m_Values, or 0
-        std::uint64_t head = 0, tail = 0;  // the key's bytes, zero-padded
-        std::uint8_t length = 0;
-        bool used = false;
+        std::uint64_t head, tail;  // the key's bytes, zero-padded
+        CString* text;
+        std::uint32_t value;  // 1 + the key's place in m_Values, or 0
+        std::uint8_t length;
+        bool used;
     };
     static constexpr std::size_t kMaxKey = 16;
     void Start(const CMapStringToString& boxes);

@@ -4,6 +4,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <mutex>
@@ -25,16 +26,37 @@ constexpr char kPound = static_cast<char>(0xA3);
 double myatof(const char* text) {
     if (!text) return 0.0;
     // The common case, what SetBox writes: [-]digits[.digits], alone or before
-    // the override mark. The cleaned text would be the text itself, so it goes
-    // to from_chars as it stands.
+    // the override mark. Up to 2^53 as a whole number of 10^-k, k at most 22,
+    // both factors are exact doubles and one division rounds correctly:
+    // from_chars's own result, without its general machinery. Longer texts
+    // of that form go to from_chars as they stand.
     {
+        constexpr std::uint64_t kExactLimit = (std::uint64_t{1} << 53) / 10;
         const char* q = text + (*text == '-');
         const char* digits = q;
-        while (isDigit(*q)) ++q;
+        std::uint64_t whole = 0;
+        int decimals = 0;
+        bool exact = true;
+        for (; isDigit(*q); ++q) {
+            if (whole >= kExactLimit) exact = false;
+            else whole = whole * 10 + static_cast<unsigned>(*q - '0');
+        }
         if (q != digits) {
             if (*q == '.' && isDigit(q[1]))
-                for (++q; isDigit(*q);) ++q;
+                for (++q; isDigit(*q); ++q) {
+                    if (whole >= kExactLimit) exact = false;
+                    else whole = whole * 10 + static_cast<unsigned>(*q - '0');
+                    ++decimals;
+                }
             if (*q == '\0' || (*q == '!' && q[1] == '\0')) {
+                static constexpr double kTens[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                   1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                                   1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+                if (exact && decimals <= 22) {
+                    if (whole == 0) return 0.0;
+                    const double magnitude = static_cast<double>(whole) / kTens[decimals];
+                    return digits != text ? -magnitude : magnitude;
+                }
                 double result = 0.0;
                 const auto [end, ec] = std::from_chars(text, q, result);
                 if (end == q) return ec != std::errc() || !std::isfinite(result) || result == 0.0 ? 0.0 : result;

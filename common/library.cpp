@@ -2,6 +2,7 @@
 // Dates are in dates.cpp, folders and files in files.cpp.
 #include "common/library.h"
 
+#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -55,8 +56,11 @@ CString fmt(const char* format, int value) {
     return out;
 }
 
-CString fmt(int value) { return FormatString("%d", value); }
-CString fmt0(double value) { return FormatString("%.0f", value); }
+CString fmt(int value) {
+    char digits[16];
+    return CString(digits, static_cast<std::size_t>(std::to_chars(digits, digits + sizeof digits, value).ptr - digits));
+}
+CString fmt0(double value) { return FormatFixed(value, 0); }
 CString fmt2(double value) { return FormatFixed(value, 2); }
 
 CString quote(const char* text) { return "\"" + CString(text) + "\""; }

@@ -63,7 +63,8 @@ void AddProfitFigures(CXMLVar& root, const char* typeLabel, const ChargeRun& run
     root.AddChild("Profit", fmt2(run.Profit));
 }
 
-CString TempFilePath(const char* fileName) { return NativePath(GetTempDir() + "\\" + fileName); }
+CString TempFilePath(const char* fileName) { return TempFilePath(GetTempDir(), fileName); }
+CString TempFilePath(const CString& folder, const char* fileName) { return NativePath(folder + "\\" + fileName); }
 
 // A missing date is taken as the start or the end of the financial year of
 // the other date: the profit is then charged in that one year, with the limits
@@ -110,7 +111,7 @@ void ChargeYears(ChargeRun& run, CXMLVar* root, const YearRules& rules, int asso
                                run.reliefRows, 0.0, run.type, &tax);
         run.tax1 = settle(year, tax);
         run.year1 = true;
-        run.taxRows.AppendFormat("<tr><td>%d</td><td align=right>%.2f</td></tr>", run.FY1, run.tax1);
+        run.taxRows += "<tr><td>" + fmt(run.FY1) + "</td><td align=right>" + fmt2(run.tax1) + "</td></tr>";
     }
     if (!run.to.IsEmpty() && run.FY1 != FinancialYear(run.to)) {
         double tax = 0;
@@ -119,7 +120,7 @@ void ChargeYears(ChargeRun& run, CXMLVar* root, const YearRules& rules, int asso
                                run.reliefRows, run.portion1, run.type, &tax);
         run.tax2 = settle(year, tax);
         run.year2 = true;
-        run.taxRows.AppendFormat("<tr><td>%d</td><td align=right>%.2f</td></tr>", run.FY2, run.tax2);
+        run.taxRows += "<tr><td>" + fmt(run.FY2) + "</td><td align=right>" + fmt2(run.tax2) + "</td></tr>";
     }
 }
 
@@ -217,13 +218,20 @@ CString ChargeReportHtml(const ChargeRun& run) {
     return out;
 }
 
-void SaveChargeTree(CXMLVar& root, CMapStringToString& results) {
+void SaveChargeTree(CXMLVar& root, CMapStringToString& results, const CString& tempFolder) {
     CString text;
     root.Save(text, 1);
     results["xml/CT/CTchargeable"] = text;
     // The file is what the suite shows, so it names its style sheet; the text
-    // in the results is data and goes without.
-    root.AddStyle(GetFormatsDir() + "\\ctcharge.xsl");
-    ReplaceFile file(TempFilePath("ctcharge.xml"));
-    root.Save(file, 1, 0, 0);
+    // in the results is data and goes without. The two differ only in the
+    // style sheet's line after the declaration, so the tree is written once:
+    // an empty node saves as its declaration and style sheet line alone.
+    CXMLVar styled;
+    styled.AddStyle(GetFormatsDir() + "\\ctcharge.xsl");
+    CString head;
+    styled.Save(head, 1);
+    CString declaration;
+    CXMLVar().Save(declaration, 1);
+    ReplaceFile file(TempFilePath(tempFolder, "ctcharge.xml"));
+    file << head.view() << text.view().substr(static_cast<std::size_t>(declaration.GetLength()));
 }

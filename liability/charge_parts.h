@@ -78,6 +78,8 @@ void AddProfitFigures(CXMLVar& root, const char* typeLabel, const ChargeRun& run
 // A file in the temporary folder, opened for output and emptied. A file that
 // can't be opened takes no output and stops nothing.
 CString TempFilePath(const char* fileName);
+// The same within a temporary folder already found: a run finds it once.
+CString TempFilePath(const CString& folder, const char* fileName);
 
 // The earlier generations go on without a date. A text that is no day of the
 // calendar counts as missing, and days is the length of what is known of the
@@ -107,5 +109,6 @@ void MatchDistributions(ChargeRun& run, CXMLVar& root);
 // calc.htm for a run with profit.
 CString ChargeReportHtml(const ChargeRun& run);
 
-// The tree as text under "xml/CT/CTchargeable" in results, and as ctcharge.xml.
-void SaveChargeTree(CXMLVar& root, CMapStringToString& results);
+// The tree as text under "xml/CT/CTchargeable" in results, and as ctcharge.xml
+// in the temporary folder.
+void SaveChargeTree(CXMLVar& root, CMapStringToString& results, const CString& tempFolder);

@@ -45,11 +45,12 @@ void CTcharge_05(CMapStringToString* boxes, CString prefix, CMapStringToString* 
     AddProfitFigures(root, typeLabel, run);
     DoLogF("Ct600_05 prefix=%s profit=%f", prefix.c_str(), run.Profit);
 
-    ReplaceFile report(TempFilePath("calc.htm"));
+    const CString tempFolder = GetTempDir();
+    ReplaceFile report(TempFilePath(tempFolder, "calc.htm"));
     if (run.Profit <= 0) {
         for (const char* key : {"Q43", "Q44", "Q45", "Q46"}) out[key] = "";
         report << kNoProfitLine << std::endl;
-        SaveChargeTree(root, out);
+        SaveChargeTree(root, out, tempFolder);
         return;
     }
     DoLogF("doing ct comp");
@@ -89,5 +90,5 @@ void CTcharge_05(CMapStringToString* boxes, CString prefix, CMapStringToString* 
     }
 
     report << ChargeReportHtml(run).str();
-    SaveChargeTree(root, out);
+    SaveChargeTree(root, out, tempFolder);
 }

@@ -36,13 +36,14 @@ void CTcharge_16(CMapStringToString* boxes, CString prefix, CMapStringToString* 
     }
     DoLogF("Ct600_16 prefix=%s profit=%f", prefix.c_str(), run.Profit);
 
-    ReplaceFile report(TempFilePath("calc.htm"));
+    const CString tempFolder = GetTempDir();
+    ReplaceFile report(TempFilePath(tempFolder, "calc.htm"));
     if (run.Profit <= 0) {
         for (const char* key : {"Q330", "Q335", "Q340", "Q345"}) out[key] = "";
         if (currentLaw)
             for (const char* key : {"Q329", "Q435"}) out[key] = "";
         report << run.lawLine.str() << kNoProfitLine << std::endl;
-        SaveChargeTree(root, out);
+        SaveChargeTree(root, out, tempFolder);
         return;
     }
 
@@ -90,5 +91,5 @@ void CTcharge_16(CMapStringToString* boxes, CString prefix, CMapStringToString* 
     SetRateLines(run, {"Q330", "Q335", "Q340", "Q380", "Q385", "Q390"}, out);
 
     report << ChargeReportHtml(run).str();
-    SaveChargeTree(root, out);
+    SaveChargeTree(root, out, tempFolder);
 }

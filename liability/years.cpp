@@ -104,15 +104,18 @@ CXMLVar* CTyear(const YearRules& rules, const char* from, const char* to, int& f
         }
     }
     addChild("Year", fmt(fy));
-    addChild("From", sliceStart.Format(kDayFormat));
-    addChild("To", sliceEnd.Format(kDayFormat));
+    const CString sliceFrom = sliceStart.Format(kDayFormat), sliceTo = sliceEnd.Format(kDayFormat);
+    addChild("From", sliceFrom);
+    addChild("To", sliceTo);
 
     fydays = clampToInt(static_cast<std::int64_t>(DaySpan(sliceStart, sliceEnd)) + 1);
-    html.AppendFormat("<H2>Financial year %d</H2>", fy);
-    html += sliceStart.Format(kDayFormat);
+    // The report's figures: "%d" is fmt, "%.0f" fmt0 and "%.2f" fmt2, each
+    // printf's digits without the printf machinery.
+    html += "<H2>Financial year " + fmt(fy) + "</H2>";
+    html += sliceFrom;
     html += " - ";
-    html += sliceEnd.Format(kDayFormat);
-    html.AppendFormat(" = %d days", fydays);
+    html += sliceTo;
+    html += " = " + fmt(fydays) + " days";
     html += "<BR>";
 
     // The denominator is the whole period, leap day included, never 365.
@@ -134,9 +137,9 @@ CXMLVar* CTyear(const YearRules& rules, const char* from, const char* to, int& f
 
     html += rateText;
     html += "<B>Chargeable profit</B><BR>";
-    html.AppendFormat("%d/%d x %.0f = %.0f<BR>", fydays, totaldays, BasicProfit, portion);
+    html += fmt(fydays) + "/" + fmt(totaldays) + " x " + fmt0(BasicProfit) + " = " + fmt0(portion) + "<BR>";
     const double yearTax = rules.taxToThePenny ? roundpenny(rate * 0.01 * portion) : rate * portion * 0.01;
-    html.AppendFormat("%.0f @ %.0f%% = %.2f<BR>", portion, rate, yearTax);
+    html += fmt0(portion) + " @ " + fmt0(rate) + "% = " + fmt2(yearTax) + "<BR>";
     html += "<BR>";
 
     const double M = mscr + msrr;
@@ -154,8 +157,8 @@ CXMLVar* CTyear(const YearRules& rules, const char* from, const char* to, int& f
         }
         html += rules.reliefTitleClose;
         html += reliefText;
-        html.AppendFormat("%d/%d x %.2f = %.2f<BR>\n", fydays, totaldays, M, reliefShare);
-        reliefrows.AppendFormat("<tr><td>%d</td><td align=right>%.2f</td></tr>", fy, reliefShare);
+        html += fmt(fydays) + "/" + fmt(totaldays) + " x " + fmt2(M) + " = " + fmt2(reliefShare) + "<BR>\n";
+        reliefrows += "<tr><td>" + fmt(fy) + "</td><td align=right>" + fmt2(reliefShare) + "</td></tr>";
         // A year of the current-law table adds its share as it stands; the
         // driver takes the sum to the penny below once.
         const bool exact = rules.ladder == RateLadder::CurrentLaw && CurrentLawTableYear(fy);

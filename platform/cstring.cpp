@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <cctype>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 
@@ -50,7 +51,49 @@ CString FormatString(const char* format, ...) {
     return out;
 }
 
+namespace {
+// "%.*f" for the amounts a return holds, worked in integers: from 2^-8 up to
+// 2^53 a double's fraction is a whole number of 2^-60ths, so its digits are
+// that number times 10^decimals over 2^60, the remainder rounded half to even
+// as printf rounds. Anything else (or more than nine decimals) is left to the
+// general path; false then.
+bool formatAmount(double value, int decimals, char* out, std::size_t& length) {
+    static constexpr std::uint64_t kPowers[] = {1,      10,      100,      1000,      10000,
+                                                100000, 1000000, 10000000, 100000000, 1000000000};
+    const double magnitude = std::fabs(value);
+    if (decimals < 0 || decimals > 9 || !(magnitude < 9007199254740992.0) ||
+        (magnitude != 0 && magnitude < 0.00390625))
+        return false;
+    auto whole = static_cast<std::uint64_t>(magnitude);
+    const double fraction = magnitude - static_cast<double>(whole);  // exact
+    const auto sixtieths = static_cast<std::uint64_t>(std::ldexp(fraction, 60));
+    const unsigned __int128 scaled = static_cast<unsigned __int128>(sixtieths) * kPowers[decimals];
+    std::uint64_t digits = static_cast<std::uint64_t>(scaled >> 60);
+    const unsigned __int128 rest = scaled & ((static_cast<unsigned __int128>(1) << 60) - 1);
+    const unsigned __int128 half = static_cast<unsigned __int128>(1) << 59;
+    const std::uint64_t last = decimals > 0 ? digits : whole;
+    if (rest > half || (rest == half && (last & 1))) ++digits;
+    if (digits == kPowers[decimals]) {
+        ++whole;
+        digits = 0;
+    }
+    char* p = out;
+    if (std::signbit(value)) *p++ = '-';
+    p = std::to_chars(p, p + 20, whole).ptr;
+    if (decimals > 0) {
+        *p++ = '.';
+        for (int i = decimals - 1; i >= 0; --i, digits /= 10) p[i] = static_cast<char>('0' + digits % 10);
+        p += decimals;
+    }
+    length = static_cast<std::size_t>(p - out);
+    return true;
+}
+}  // namespace
+
 CString FormatFixed(double value, int decimals) {
+    char amount[40];
+    std::size_t length = 0;
+    if (formatAmount(value, decimals, amount, length)) return CString(amount, length);
     // to_chars prints finite values exactly as "%.*f" does, without the printf machinery.
     if (std::isfinite(value) && decimals >= 0 && decimals <= 17) {
         char text[352];  // the longest finite double in fixed notation, plus decimals

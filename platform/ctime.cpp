@@ -1,5 +1,7 @@
 #include "platform/ctime.h"
 
+#include <charconv>
+
 namespace {
 constexpr std::int64_t kSecondsPerDay = 86400;
 
@@ -67,6 +69,18 @@ int CTime::GetMonth() const noexcept { return split(seconds_).month; }
 int CTime::GetDay() const noexcept { return split(seconds_).day; }
 int CTime::GetHour() const noexcept { return split(seconds_).hour; }
 
+namespace {
+// printf's "%0*d": the sign, then zeros up to the width, then the digits.
+void appendNumber(CString& out, int value, int width) {
+    char digits[16];
+    const unsigned magnitude = value < 0 ? 0u - static_cast<unsigned>(value) : static_cast<unsigned>(value);
+    const int length = static_cast<int>(std::to_chars(digits, digits + sizeof digits, magnitude).ptr - digits);
+    if (value < 0) out += '-';
+    for (int pad = width - length - (value < 0); pad > 0; --pad) out += '0';
+    out += CString(digits, static_cast<std::size_t>(length));
+}
+}  // namespace
+
 CString CTime::Format(const char* pattern) const {
     CString out;
     if (!pattern) return out;
@@ -74,14 +88,14 @@ CString CTime::Format(const char* pattern) const {
     for (const char* p = pattern; *p; ++p) {
         if (*p != '%' || !p[1]) { out += *p; continue; }
         switch (*++p) {
-            case 'd': out.AppendFormat("%02d", c.day); break;
-            case 'm': out.AppendFormat("%02d", c.month); break;
-            case 'Y': out.AppendFormat("%d", c.year); break;
-            case 'y': out.AppendFormat("%02d", ((c.year % 100) + 100) % 100); break;
-            case 'H': out.AppendFormat("%02d", c.hour); break;
-            case 'M': out.AppendFormat("%02d", c.minute); break;
-            case 'S': out.AppendFormat("%02d", c.second); break;
-            case 'j': out.AppendFormat("%03d", c.yday + 1); break;
+            case 'd': appendNumber(out, c.day, 2); break;
+            case 'm': appendNumber(out, c.month, 2); break;
+            case 'Y': appendNumber(out, c.year, 0); break;
+            case 'y': appendNumber(out, ((c.year % 100) + 100) % 100, 2); break;
+            case 'H': appendNumber(out, c.hour, 2); break;
+            case 'M': appendNumber(out, c.minute, 2); break;
+            case 'S': appendNumber(out, c.second, 2); break;
+            case 'j': appendNumber(out, c.yday + 1, 3); break;
             case '%': out += '%'; break;
             default: out += '%'; out += *p; break;
         }
