@@ -50,17 +50,28 @@ void dropAttributes(CXMLVar* node, Drop drop) {
 
 class Filler {
 public:
-    Filler(const CXMLVar* data, CString prefix) : prefix_(std::move(prefix)) {
+    // settle: the conditional elements left empty go as they are made and no
+    // mark-up is written, which is what RemoveConditionals would make of the
+    // document afterwards.
+    Filler(const CXMLVar* data, CString prefix, bool settle = false) : prefix_(std::move(prefix)), settle_(settle) {
         if (!data) return;
         // The first entry of a key wins, as a map lookup would have it.
         for (const CXMLVar* box : data->children) index_.emplace(box->name.view(), &box->value);
     }
+    // Straight from the box map, which outlives the filling: no data tree.
+    Filler(const CMapStringToString& boxes, bool settle) : settle_(settle) {
+        for (const auto& [key, value] : boxes.items()) index_.emplace(key.view(), &value);
+    }
 
-    void Fill(const CXMLVar* from, CXMLVar* into, const std::string& row, int depth) {
+    // True when into is conditional: it is marked (or, settling, would have
+    // been marked) with a non-empty if.
+    bool Fill(const CXMLVar* from, CXMLVar* into, const std::string& row, int depth) {
+        bool conditional = false;
         for (const auto& [name, value] : from->Attributes()) {
             if (name == kRepeatAttr) continue;
             if (name == kIfAttr || !HasPlaceholder(value.view())) {
-                into->SetAttr(name, value);
+                if (name == kIfAttr) conditional = conditional || !value.IsEmpty();
+                if (!settle_ || name != kIfAttr) into->SetAttr(name, value);
                 continue;
             }
             const CString filled = Expand(value.view(), row);
@@ -68,14 +79,15 @@ public:
         }
         if (HasPlaceholder(from->value.view())) {
             into->value = Expand(from->value.view(), row);
-            into->SetAttr(kIfAttr, kFilled);
+            if (!settle_) into->SetAttr(kIfAttr, kFilled);
+            conditional = true;
         } else {
             into->value = from->value;
         }
         if (depth >= kMaxTemplateDepth) {
             if (!from->children.empty())
                 DoLogF("Populate() template deeper than %d levels, cut at %s", depth, from->name.c_str());
-            return;
+            return conditional;
         }
         for (const CXMLVar* child : from->children) {
             const bool repeated = !child->GetAttr(kRepeatAttr).IsEmpty();
@@ -83,19 +95,31 @@ public:
             // element of that row.
             if (!repeated || !row.empty()) {
                 CXMLVar* copy = into->AddChild(new CXMLVar(child->name), nullptr);
-                Fill(child, copy, row, depth + 1);
-                if (repeated) copy->SetAttr(kIfAttr, kFilled);
+                const bool marked = Fill(child, copy, row, depth + 1);
+                if (repeated && !settle_) copy->SetAttr(kIfAttr, kFilled);
+                settle(into, copy, marked || repeated);
                 continue;
             }
             for (const std::string& r : Rows(child)) {
                 CXMLVar* copy = into->AddChild(new CXMLVar(child->name), nullptr);
                 Fill(child, copy, r, depth + 1);
-                copy->SetAttr(kIfAttr, kFilled);
+                if (!settle_) copy->SetAttr(kIfAttr, kFilled);
+                settle(into, copy, true);
             }
         }
+        return conditional;
     }
 
 private:
+    // Settling, a conditional copy just filled (its own children settled
+    // already) goes when nothing is left in it.
+    void settle(CXMLVar* into, CXMLVar* copy, bool conditional) const {
+        if (!settle_ || !conditional) return;
+        if (!copy->children.empty() || !blankText(copy->value) || !copy->Attributes().empty()) return;
+        into->children.pop_back();
+        delete copy;
+    }
+
     CString Lookup(const CString& key) const {
         const auto it = prefix_.IsEmpty() ? index_.find(key.view()) : index_.find((prefix_ + key).view());
         return it == index_.end() ? CString() : *it->second;
@@ -189,6 +213,7 @@ private:
     }
 
     CString prefix_;
+    bool settle_ = false;
     BoxIndex index_;
 };
 
@@ -229,6 +254,13 @@ CXMLVar* CGovTalk::Populate(CXMLVar* templ, CXMLVar* data, int reserved, CString
     (void)reserved;
     auto* document = new CXMLVar(templ ? templ->name : CString());
     if (templ) Filler(data, std::move(prefix)).Fill(templ, document, std::string(), 0);
+    document_ = document;
+    return document;
+}
+
+CXMLVar* CGovTalk::PopulateSettled(CXMLVar* templ, const CMapStringToString& boxes) {
+    auto* document = new CXMLVar(templ ? templ->name : CString());
+    if (templ) Filler(boxes, true).Fill(templ, document, std::string(), 0);
     document_ = document;
     return document;
 }
