@@ -58,10 +58,9 @@ public:
         // The first entry of a key wins, as a map lookup would have it.
         for (const CXMLVar* box : data->children) index_.emplace(box->name.view(), &box->value);
     }
-    // Straight from the box map, which outlives the filling: no data tree.
-    Filler(const CMapStringToString& boxes, bool settle) : settle_(settle) {
-        for (const auto& [key, value] : boxes.items()) index_.emplace(key.view(), &value);
-    }
+    // Straight from the box map, which outlives the filling: no data tree and
+    // no index of its own, the map's order being the index's.
+    Filler(const CMapStringToString& boxes, bool settle) : settle_(settle), boxes_(&boxes.items()) {}
 
     // True when into is conditional: it is marked (or, settling, would have
     // been marked) with a non-empty if.
@@ -121,6 +120,10 @@ private:
     }
 
     CString Lookup(const CString& key) const {
+        if (boxes_) {
+            const auto it = prefix_.IsEmpty() ? boxes_->find(key) : boxes_->find(prefix_ + key);
+            return it == boxes_->end() ? CString() : it->second;
+        }
         const auto it = prefix_.IsEmpty() ? index_.find(key.view()) : index_.find((prefix_ + key).view());
         return it == index_.end() ? CString() : *it->second;
     }
@@ -196,14 +199,22 @@ private:
 
         std::set<std::pair<unsigned long, std::string>> rows;
         for (const auto& [before, after] : patterns) {
-            for (auto it = index_.lower_bound(before); it != index_.end(); ++it) {
-                const std::string_view key = it->first;
-                if (key.compare(0, before.size(), before) != 0) break;
-                if (key.size() < before.size() + after.size() + 1) continue;
-                if (key.compare(key.size() - after.size(), after.size(), after) != 0) continue;
+            // False once past the keys that start with before.
+            const auto consider = [&, &before = before, &after = after](std::string_view key) {
+                if (key.compare(0, before.size(), before) != 0) return false;
+                if (key.size() < before.size() + after.size() + 1) return true;
+                if (key.compare(key.size() - after.size(), after.size(), after) != 0) return true;
                 const std::string middle(key.substr(before.size(), key.size() - before.size() - after.size()));
-                if (middle.size() > kMaxRowDigits || !std::all_of(middle.begin(), middle.end(), isDigit)) continue;
+                if (middle.size() > kMaxRowDigits || !std::all_of(middle.begin(), middle.end(), isDigit)) return true;
                 rows.emplace(std::stoul(middle), middle);
+                return true;
+            };
+            if (boxes_) {
+                for (auto it = boxes_->lower_bound(CString(before)); it != boxes_->end(); ++it)
+                    if (!consider(it->first.view())) break;
+            } else {
+                for (auto it = index_.lower_bound(before); it != index_.end(); ++it)
+                    if (!consider(it->first)) break;
             }
         }
         std::vector<std::string> out;
@@ -214,6 +225,7 @@ private:
 
     CString prefix_;
     bool settle_ = false;
+    const CMapStringToString::Storage* boxes_ = nullptr;  // else index_ over a data tree
     BoxIndex index_;
 };
 
