@@ -66,18 +66,20 @@ public:
     // been marked) with a non-empty if.
     bool Fill(const CXMLVar* from, CXMLVar* into, const std::string& row, int depth) {
         bool conditional = false;
+        std::vector<TemplatePiece> scratch;
         for (const auto& [name, value] : from->Attributes()) {
             if (name == kRepeatAttr) continue;
-            if (name == kIfAttr || !HasPlaceholder(value.view())) {
+            const std::vector<TemplatePiece>* pieces = name == kIfAttr ? nullptr : placeholderPieces(value, scratch);
+            if (!pieces) {
                 if (name == kIfAttr) conditional = conditional || !value.IsEmpty();
                 if (!settle_ || name != kIfAttr) into->SetAttr(name, value);
                 continue;
             }
-            const CString filled = Expand(value.view(), row);
+            const CString filled = Expand(*pieces, row);
             if (!filled.IsEmpty()) into->SetAttr(name, filled);
         }
-        if (HasPlaceholder(from->value.view())) {
-            into->value = Expand(from->value.view(), row);
+        if (const std::vector<TemplatePiece>* pieces = placeholderPieces(from->value, scratch)) {
+            into->value = Expand(*pieces, row);
             if (!settle_) into->SetAttr(kIfAttr, kFilled);
             conditional = true;
         } else {
@@ -149,13 +151,24 @@ private:
         return CString();
     }
 
+    // The pieces of a text that holds a placeholder (one look-up where
+    // HasPlaceholder and then TemplatePieces would make two); null for any
+    // other text. They stay valid until scratch is next used.
+    static const std::vector<TemplatePiece>* placeholderPieces(const CString& text,
+                                                               std::vector<TemplatePiece>& scratch) {
+        if (text.view().find('{') == std::string_view::npos) return nullptr;
+        const std::vector<TemplatePiece>& pieces = TemplatePieces(text.view(), scratch);
+        return std::any_of(pieces.begin(), pieces.end(), [](const TemplatePiece& p) { return p.placeholder; })
+                   ? &pieces
+                   : nullptr;
+    }
+
     // The placeholders' texts in place. When every placeholder is empty the
     // whole text is: the literal words around an empty box say nothing.
-    CString Expand(std::string_view text, const std::string& row) const {
+    CString Expand(const std::vector<TemplatePiece>& pieces, const std::string& row) const {
         CString out;
         bool anyFilled = false;
-        std::vector<TemplatePiece> scratch;
-        for (const TemplatePiece& piece : TemplatePieces(text, scratch)) {
+        for (const TemplatePiece& piece : pieces) {
             if (!piece.placeholder) {
                 out += CString(piece.text);
                 continue;
