@@ -43,6 +43,10 @@ TEST(PopulateSettled, GivesTheWorkedTreesOfTheTwoPasses) {
     const auto templ =
         parseXml("<R a=\"{Q9}\" if=\"\"><S if=\"x\"><T if=\"\"/></S><U/><V if=\"\">{Q8}</V><W if=\"x\"/></R>");
     EXPECT_EQ(envtest::compact(settled(templ.get(), CMapStringToString()).get()), "R(S(T) U)");
+    // A marked element with nothing but an attribute filled stays.
+    const auto attributeOnly = parseXml("<R><S if=\"x\" a=\"{Q1}\"/><T repeat=\"r\" b=\"{Q.#}\"/></R>");
+    EXPECT_EQ(envtest::compact(settled(attributeOnly.get(), envtest::boxesOf({{"Q1", "v"}, {"Q.2", "w"}})).get()),
+              "R(S[a=v] T[b=w])");
 }
 
 // The form's own template, byte for byte, over the example returns and none.
