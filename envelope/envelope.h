@@ -95,6 +95,10 @@ public:
     // mark-up from every element. The root itself is never removed.
     void RemoveConditionals(CXMLVar* document);
 
+    // Populate from the box map itself (no prefix) and RemoveConditionals, in
+    // one pass that never writes the mark-up: the same document, made faster.
+    CXMLVar* PopulateSettled(CXMLVar* templ, const CMapStringToString& boxes);
+
 private:
     CXMLVar*& document_;
 };

@@ -50,32 +50,45 @@ void dropAttributes(CXMLVar* node, Drop drop) {
 
 class Filler {
 public:
-    Filler(const CXMLVar* data, CString prefix) : prefix_(std::move(prefix)) {
+    // settle: the conditional elements left empty go as they are made and no
+    // mark-up is written, which is what RemoveConditionals would make of the
+    // document afterwards.
+    Filler(const CXMLVar* data, CString prefix, bool settle = false) : prefix_(std::move(prefix)), settle_(settle) {
         if (!data) return;
         // The first entry of a key wins, as a map lookup would have it.
         for (const CXMLVar* box : data->children) index_.emplace(box->name.view(), &box->value);
     }
+    // Straight from the box map, which outlives the filling: no data tree and
+    // no index of its own, the map's order being the index's.
+    Filler(const CMapStringToString& boxes, bool settle) : settle_(settle), boxes_(&boxes.items()) {}
 
-    void Fill(const CXMLVar* from, CXMLVar* into, const std::string& row, int depth) {
+    // True when into is conditional: it is marked (or, settling, would have
+    // been marked) with a non-empty if.
+    bool Fill(const CXMLVar* from, CXMLVar* into, const std::string& row, int depth) {
+        bool conditional = false;
+        std::vector<TemplatePiece> scratch;
         for (const auto& [name, value] : from->Attributes()) {
             if (name == kRepeatAttr) continue;
-            if (name == kIfAttr || !HasPlaceholder(value.view())) {
-                into->SetAttr(name, value);
+            const std::vector<TemplatePiece>* pieces = name == kIfAttr ? nullptr : placeholderPieces(value, scratch);
+            if (!pieces) {
+                if (name == kIfAttr) conditional = conditional || !value.IsEmpty();
+                if (!settle_ || name != kIfAttr) into->SetAttr(name, value);
                 continue;
             }
-            const CString filled = Expand(value.view(), row);
+            const CString filled = Expand(*pieces, row);
             if (!filled.IsEmpty()) into->SetAttr(name, filled);
         }
-        if (HasPlaceholder(from->value.view())) {
-            into->value = Expand(from->value.view(), row);
-            into->SetAttr(kIfAttr, kFilled);
+        if (const std::vector<TemplatePiece>* pieces = placeholderPieces(from->value, scratch)) {
+            into->value = Expand(*pieces, row);
+            if (!settle_) into->SetAttr(kIfAttr, kFilled);
+            conditional = true;
         } else {
             into->value = from->value;
         }
         if (depth >= kMaxTemplateDepth) {
             if (!from->children.empty())
                 DoLogF("Populate() template deeper than %d levels, cut at %s", depth, from->name.c_str());
-            return;
+            return conditional;
         }
         for (const CXMLVar* child : from->children) {
             const bool repeated = !child->GetAttr(kRepeatAttr).IsEmpty();
@@ -83,20 +96,36 @@ public:
             // element of that row.
             if (!repeated || !row.empty()) {
                 CXMLVar* copy = into->AddChild(new CXMLVar(child->name), nullptr);
-                Fill(child, copy, row, depth + 1);
-                if (repeated) copy->SetAttr(kIfAttr, kFilled);
+                const bool marked = Fill(child, copy, row, depth + 1);
+                if (repeated && !settle_) copy->SetAttr(kIfAttr, kFilled);
+                settle(into, copy, marked || repeated);
                 continue;
             }
             for (const std::string& r : Rows(child)) {
                 CXMLVar* copy = into->AddChild(new CXMLVar(child->name), nullptr);
                 Fill(child, copy, r, depth + 1);
-                copy->SetAttr(kIfAttr, kFilled);
+                if (!settle_) copy->SetAttr(kIfAttr, kFilled);
+                settle(into, copy, true);
             }
         }
+        return conditional;
     }
 
 private:
+    // Settling, a conditional copy just filled (its own children settled
+    // already) goes when nothing is left in it.
+    void settle(CXMLVar* into, CXMLVar* copy, bool conditional) const {
+        if (!settle_ || !conditional) return;
+        if (!copy->children.empty() || !blankText(copy->value) || !copy->Attributes().empty()) return;
+        into->children.pop_back();
+        delete copy;
+    }
+
     CString Lookup(const CString& key) const {
+        if (boxes_) {
+            const auto it = prefix_.IsEmpty() ? boxes_->find(key) : boxes_->find(prefix_ + key);
+            return it == boxes_->end() ? CString() : it->second;
+        }
         const auto it = prefix_.IsEmpty() ? index_.find(key.view()) : index_.find((prefix_ + key).view());
         return it == index_.end() ? CString() : *it->second;
     }
@@ -122,13 +151,24 @@ private:
         return CString();
     }
 
+    // The pieces of a text that holds a placeholder (one look-up where
+    // HasPlaceholder and then TemplatePieces would make two); null for any
+    // other text. They stay valid until scratch is next used.
+    static const std::vector<TemplatePiece>* placeholderPieces(const CString& text,
+                                                               std::vector<TemplatePiece>& scratch) {
+        if (text.view().find('{') == std::string_view::npos) return nullptr;
+        const std::vector<TemplatePiece>& pieces = TemplatePieces(text.view(), scratch);
+        return std::any_of(pieces.begin(), pieces.end(), [](const TemplatePiece& p) { return p.placeholder; })
+                   ? &pieces
+                   : nullptr;
+    }
+
     // The placeholders' texts in place. When every placeholder is empty the
     // whole text is: the literal words around an empty box say nothing.
-    CString Expand(std::string_view text, const std::string& row) const {
+    CString Expand(const std::vector<TemplatePiece>& pieces, const std::string& row) const {
         CString out;
         bool anyFilled = false;
-        std::vector<TemplatePiece> scratch;
-        for (const TemplatePiece& piece : TemplatePieces(text, scratch)) {
+        for (const TemplatePiece& piece : pieces) {
             if (!piece.placeholder) {
                 out += CString(piece.text);
                 continue;
@@ -172,14 +212,22 @@ private:
 
         std::set<std::pair<unsigned long, std::string>> rows;
         for (const auto& [before, after] : patterns) {
-            for (auto it = index_.lower_bound(before); it != index_.end(); ++it) {
-                const std::string_view key = it->first;
-                if (key.compare(0, before.size(), before) != 0) break;
-                if (key.size() < before.size() + after.size() + 1) continue;
-                if (key.compare(key.size() - after.size(), after.size(), after) != 0) continue;
+            // False once past the keys that start with before.
+            const auto consider = [&, &before = before, &after = after](std::string_view key) {
+                if (key.compare(0, before.size(), before) != 0) return false;
+                if (key.size() < before.size() + after.size() + 1) return true;
+                if (key.compare(key.size() - after.size(), after.size(), after) != 0) return true;
                 const std::string middle(key.substr(before.size(), key.size() - before.size() - after.size()));
-                if (middle.size() > kMaxRowDigits || !std::all_of(middle.begin(), middle.end(), isDigit)) continue;
+                if (middle.size() > kMaxRowDigits || !std::all_of(middle.begin(), middle.end(), isDigit)) return true;
                 rows.emplace(std::stoul(middle), middle);
+                return true;
+            };
+            if (boxes_) {
+                for (auto it = boxes_->lower_bound(CString(before)); it != boxes_->end(); ++it)
+                    if (!consider(it->first.view())) break;
+            } else {
+                for (auto it = index_.lower_bound(before); it != index_.end(); ++it)
+                    if (!consider(it->first)) break;
             }
         }
         std::vector<std::string> out;
@@ -189,6 +237,8 @@ private:
     }
 
     CString prefix_;
+    bool settle_ = false;
+    const CMapStringToString::Storage* boxes_ = nullptr;  // else index_ over a data tree
     BoxIndex index_;
 };
 
@@ -229,6 +279,13 @@ CXMLVar* CGovTalk::Populate(CXMLVar* templ, CXMLVar* data, int reserved, CString
     (void)reserved;
     auto* document = new CXMLVar(templ ? templ->name : CString());
     if (templ) Filler(data, std::move(prefix)).Fill(templ, document, std::string(), 0);
+    document_ = document;
+    return document;
+}
+
+CXMLVar* CGovTalk::PopulateSettled(CXMLVar* templ, const CMapStringToString& boxes) {
+    auto* document = new CXMLVar(templ ? templ->name : CString());
+    if (templ) Filler(boxes, true).Fill(templ, document, std::string(), 0);
     document_ = document;
     return document;
 }

@@ -66,13 +66,10 @@ CXMLVar* quick_govtalk(CMapStringToString* boxes, CString form) {
         return nullptr;
     }
 
-    const std::unique_ptr<CXMLVar> data(TaxToXML(box));
     CXMLVar* populated = nullptr;
     CGovTalk filler(populated);
-    // The template and data trees share nothing with the document: they go
-    // when this call ends.
-    std::unique_ptr<CXMLVar> document(filler.Populate(templ.get(), data.get(), 0, CString()));
-    filler.RemoveConditionals(document.get());
+    // The template shares nothing with the document.
+    std::unique_ptr<CXMLVar> document(filler.PopulateSettled(templ.get(), box));
 
     // A form's template may hold elements meant for the root itself.
     if (ctForm) {

@@ -45,16 +45,20 @@ void splitInto(PathTables& t, std::string_view text, std::vector<const char*>& s
     }
 }
 
-bool sameText(const char* a, const char* b) { return a && b && std::strcmp(a, b) == 0; }
+bool isDots(const char* step, std::size_t dots) {
+    for (std::size_t i = 0; i < dots; ++i)
+        if (step[i] != '.') return false;
+    return step[dots] == '\0';
+}
 
-// "name[@attr]" split into its two names; false for any other step.
-bool splitAttributeFilter(const char* step, std::string& name, std::string& attribute) {
-    const char* open = std::strstr(step, "[@");
-    if (!open) return false;
-    const std::size_t length = std::strlen(step);
-    if (length < 4 || step[length - 1] != ']') return false;
-    name.assign(step, static_cast<std::size_t>(open - step));
-    attribute.assign(open + 2, step + length - 1);
+// "name[@attr]" split into its two names; false for any other step. Views
+// into the step itself: a walk passes every step often.
+bool splitAttributeFilter(std::string_view step, std::string_view& name, std::string_view& attribute) {
+    if (step.size() < 4 || step.back() != ']') return false;
+    const std::size_t open = step.find("[@");
+    if (open == std::string_view::npos) return false;
+    name = step.substr(0, open);
+    attribute = step.substr(open + 2, step.size() - 1 - (open + 2));
     return !name.empty() && !attribute.empty();
 }
 
@@ -84,11 +88,11 @@ PathTable MakePathTable(const char* path) {
     return t.tables.emplace(key, std::move(steps)).first->second.data();
 }
 
-bool CRuleContext::IsRootStep(const char* step) const { return step == kRootStep || sameText(step, kRootStep); }
-
-bool CRuleContext::IsParentStep(const char* step) const {
-    return step == kParentStep || sameText(step, kParentStep);
+bool CRuleContext::IsRootStep(const char* step) const {
+    return step == kRootStep || (step && step[0] == '/' && step[1] == '\0');
 }
+
+bool CRuleContext::IsParentStep(const char* step) const { return step == kParentStep || (step && isDots(step, 2)); }
 
 CXMLVar* CRuleContext::AttributeLeaf(CXMLVar* node, const char* name, const CString& text) {
     std::unique_ptr<CXMLVar>& leaf = m_AttributeLeaves[{node, CString(name)}];
@@ -111,21 +115,23 @@ void CRuleContext::WalkSteps(CXMLVar* node, PathTable steps, bool first, CObArra
                 node = node->parent;
                 continue;
             }
-            if (sameText(*step, kSelfStep)) continue;
+            if (*step == kSelfStep || isDots(*step, 1)) continue;
 
             if ((*step)[0] == '@') {
                 const CString text = node->GetAttr(*step + 1);
                 if (!text.IsEmpty()) out.Add(AttributeLeaf(node, *step + 1, text));
                 return;
             }
-            std::string name, attribute;
-            const bool filtered = splitAttributeFilter(*step, name, attribute);
+            const std::string_view whole(*step);
+            std::string_view name, attribute;
+            const bool filtered = splitAttributeFilter(whole, name, attribute);
             // A view of the name compares lengths first: most children differ there.
-            const std::string_view want = filtered ? std::string_view(name) : std::string_view(*step);
+            const std::string_view want = filtered ? name : whole;
+            const std::string attributeName = filtered ? std::string(attribute) : std::string();
             for (std::size_t i = 0; i < node->children.size(); ++i) {
                 CXMLVar* child = node->children[i];
                 if (!child || child->name.view() != want) continue;
-                if (filtered && child->GetAttr(attribute.c_str()).IsEmpty()) continue;
+                if (filtered && child->GetAttr(attributeName.c_str()).IsEmpty()) continue;
                 WalkSteps(child, step + 1, false, out);
             }
             return;

@@ -20,6 +20,23 @@ const CString& valueOf(const CXMLVar* node) {
 // A number as the standard atof reads it (hexadecimal, infinity and nan
 // included), with a point for decimals whatever locale the host has set.
 double number(const char* text) {
+    // A plain decimal, as almost every value is, reads the same through
+    // from_chars (correctly rounded, as strtod is) at a fraction of the cost.
+    const std::string_view plain(text);
+    std::size_t i = !plain.empty() && plain[0] == '-' ? 1 : 0;
+    const std::size_t firstDigit = i;
+    while (i < plain.size() && plain[i] >= '0' && plain[i] <= '9') ++i;
+    bool isPlain = i > firstDigit;
+    if (isPlain && i < plain.size()) {
+        const std::size_t point = i++;
+        while (i < plain.size() && plain[i] >= '0' && plain[i] <= '9') ++i;
+        isPlain = plain[point] == '.' && i > point + 1 && i == plain.size();
+    }
+    if (isPlain) {
+        double value = 0;
+        const auto [end, error] = std::from_chars(plain.data(), plain.data() + plain.size(), value);
+        if (error == std::errc() && end == plain.data() + plain.size()) return value;
+    }
     static const locale_t c = newlocale(LC_NUMERIC_MASK, "C", static_cast<locale_t>(nullptr));
     return c ? strtod_l(text, nullptr, c) : std::strtod(text, nullptr);
 }

@@ -110,6 +110,8 @@ CSchemaTable::CSchemaTable(std::span<const Table* const> tables) {
         return pairLess(rows_[x].parent.view(), rows_[x].element.view(), rows_[y].parent.view(),
                         rows_[y].element.view());
     });
+    for (std::size_t i = 0; i < index_.size(); ++i)
+        firstOfPair_.emplace(PairKey{rows_[index_[i]].parent.view(), rows_[index_[i]].element.view()}, i);
 
     // The rows of one pair must all run the same test: the walk can't tell
     // which declaration a node stands for.
@@ -305,10 +307,9 @@ void CSchemaTable::addStep(const Check& check, const char* where, CSchemaTest& t
 
 template <typename Each>
 void CSchemaTable::forPair(std::string_view parent, std::string_view element, Each each) const {
-    auto it = std::lower_bound(index_.begin(), index_.end(), 0, [&](std::size_t row, int) {
-        return pairLess(rows_[row].parent.view(), rows_[row].element.view(), parent, element);
-    });
-    for (; it != index_.end(); ++it) {
+    const auto first = firstOfPair_.find(PairKey{parent, element});
+    if (first == firstOfPair_.end()) return;
+    for (auto it = index_.begin() + static_cast<std::ptrdiff_t>(first->second); it != index_.end(); ++it) {
         const Row& r = rows_[*it];
         if (r.element.view() != element || r.parent.view() != parent) break;
         each(r);

@@ -3,9 +3,11 @@
 // constant tables; the walk looks a node's pair up and runs every row of it.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <span>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "common/current_law.h"
@@ -81,6 +83,20 @@ private:
     std::vector<std::unique_ptr<CSchemaPattern>> ownPatterns_;
     std::vector<Row> rows_;
     std::vector<std::size_t> index_;  // rows by element, then parent, then table order
+
+    // Where each pair's rows start in index_: a visit finds them without a
+    // search. The views are into rows_, which is not changed once built.
+    struct PairKey {
+        std::string_view parent, element;
+        bool operator==(const PairKey&) const = default;
+    };
+    struct PairHash {
+        std::size_t operator()(const PairKey& k) const noexcept {
+            const std::hash<std::string_view> hash;
+            return hash(k.element) * 31 + hash(k.parent);
+        }
+    };
+    std::unordered_map<PairKey, std::size_t, PairHash> firstOfPair_;
     CStringArray problems_;
 };
 

@@ -480,6 +480,10 @@ PrivateTempDir::~PrivateTempDir() {
 
 namespace {
 
+bool plainAscii(const std::string& text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0x80) == 0; });
+}
+
 // One conversion through iconv. On a character the target cannot hold, stops
 // and gives its offset in bad; the text converted so far is returned.
 std::string convert(const char* to, const char* from, const std::string& text, std::size_t* bad) {
@@ -509,9 +513,17 @@ std::string convert(const char* to, const char* from, const std::string& text, s
 
 }  // namespace
 
-std::string toUtf8(const std::string& text) { return convert("UTF-8", "ISO-8859-1", text, nullptr); }
+// ASCII reads the same in both: most texts are, and opening a conversion
+// costs more than the rest of reading a box.
+std::string toUtf8(const std::string& text) {
+    return plainAscii(text) ? text : convert("UTF-8", "ISO-8859-1", text, nullptr);
+}
 
 std::string toLatin1(const std::string& utf8, std::string* bad) {
+    if (plainAscii(utf8)) {
+        if (bad) bad->clear();
+        return utf8;
+    }
     std::size_t at = std::string::npos;
     std::string out = convert("ISO-8859-1", "UTF-8", utf8, &at);
     if (bad) bad->clear();
