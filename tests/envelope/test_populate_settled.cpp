@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "envelope_support.h"
+#include "support/table.h"
 
 namespace {
 
@@ -32,7 +33,7 @@ std::string twoPasses(CXMLVar* templ, const CMapStringToString& boxes) {
 // The worked cases of the two-pass filling, each tree written by hand.
 TEST(PopulateSettled, GivesTheWorkedTreesOfTheTwoPasses) {
     int cases = 0;
-    for (const std::vector<std::string>& f : envtest::tableRows("tests/data/populate_cases.tsv", 4)) {
+    for (const std::vector<std::string>& f : testdata::rows("populate_cases.tsv", 4)) {
         const auto templ = parseXml(f[1]);
         EXPECT_EQ(envtest::compact(settled(templ.get(), envtest::boxesOfText(f[2])).get()), f[3]) << f[0];
         ++cases;
