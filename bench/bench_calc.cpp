@@ -7,6 +7,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
+#include "bench_support.h"
 #include "common/errors.h"
 #include "common/library.h"
 #include "common/outfile.h"
@@ -14,26 +15,12 @@
 #include "envelope/envelope.h"
 
 namespace {
-CMapStringToString boxesOf(const char* path) {
-    std::ifstream in(path);
-    CMapStringToString boxes;
-    const nlohmann::json doc = nlohmann::json::parse(in);
-    for (const auto& [key, value] : doc.items())
-        boxes[key.c_str()] = value.get<std::string>().c_str();
-    return boxes;
-}
-
-CMapStringToString sampleBoxes() { return boxesOf(CT600_SOURCE_DIR "/examples/sample-return.json"); }
-CMapStringToString fullBoxes() { return boxesOf(CT600_SOURCE_DIR "/examples/full-return.json"); }
-
-void quiet(const CObList&, const CStringList*, void*) {}
-void quietLog(const char*, void*) {}
+using namespace bench;
 
 // One recalculation of a return through a form entry, worked report included,
 // as a suite runs it while the user types: the same box map again and again.
 void recalculate(benchmark::State& state, FormEntry entry, const CMapStringToString& sample) {
-    SetErrorSink(quiet, nullptr);
-    SetLogSink(quietLog, nullptr);
+    quiet();
     CMapStringToString boxes = sample;
     CString prefix;
     for (auto _ : state) {
@@ -73,10 +60,7 @@ BENCHMARK(BM_do_validate_full);
 // The floor for validation: expat reading the same message and doing nothing.
 void BM_expat_parse_full_message(benchmark::State& state) {
     SetLogSink(quietLog, nullptr);
-    CMapStringToString boxes = fullBoxes();
-    const std::unique_ptr<CXMLVar> message(quick_govtalk(&boxes, "ctv3_16"));
-    CString text;
-    message->Save(text, 1);
+    const CString text = fullMessageText();
     for (auto _ : state) {
         XML_Parser parser = XML_ParserCreate(nullptr);
         const auto status = XML_Parse(parser, text.c_str(), text.GetLength(), 1);
@@ -88,12 +72,7 @@ void BM_expat_parse_full_message(benchmark::State& state) {
 BENCHMARK(BM_expat_parse_full_message);
 
 void BM_xml_open_save(benchmark::State& state) {
-    CXMLVar tree("Return");
-    CXMLVar* boxes = tree.GetChild("Boxes");
-    const CMapStringToString sample = sampleBoxes();
-    for (const auto& [key, value] : sample.items()) boxes->GetChild(key)->value = value;
-    CString text;
-    tree.Save(text, 1);
+    const CString text = returnText(sampleBoxes());
     for (auto _ : state) {
         CXMLVar copy("");
         copy.Open(text);
@@ -107,15 +86,8 @@ BENCHMARK(BM_xml_open_save);
 // The tree round trip a suite makes: the full return as zxml text, read,
 // recalculated through the third-generation entry and written back.
 void BM_do_calc2_full(benchmark::State& state) {
-    SetErrorSink(quiet, nullptr);
-    SetLogSink(quietLog, nullptr);
-    CXMLVar tree("Return");
-    CXMLVar* boxes = tree.GetChild("Boxes");
-    CMapStringToString full = fullBoxes();
-    full["form"] = "ctv3";
-    for (const auto& [key, value] : full.items()) boxes->GetChild(key)->value = value;
-    CString text;
-    tree.Save(text, 1);
+    quiet();
+    const CString text = fullReturnText();
     for (auto _ : state) {
         CMapStringToString map;
         map["zxml"] = text;

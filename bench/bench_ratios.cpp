@@ -15,6 +15,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "bench_support.h"
 #include "common/errors.h"
 #include "common/library.h"
 #include "common/outfile.h"
@@ -22,13 +23,7 @@
 #include "envelope/envelope.h"
 
 namespace {
-CMapStringToString fullBoxes() {
-    std::ifstream in(CT600_SOURCE_DIR "/examples/full-return.json");
-    CMapStringToString boxes;
-    const nlohmann::json doc = nlohmann::json::parse(in);
-    for (const auto& [key, value] : doc.items()) boxes[key.c_str()] = value.get<std::string>().c_str();
-    return boxes;
-}
+using namespace bench;
 
 std::string readFile(const CString& path) {
     std::ifstream in(path.c_str(), std::ios::binary);
@@ -36,9 +31,6 @@ std::string readFile(const CString& path) {
     text << in.rdbuf();
     return text.str();
 }
-
-void quiet(const CObList&, const CStringList*, void*) {}
-void quietLog(const char*, void*) {}
 
 double threadSeconds() {
     timespec now{};
@@ -65,8 +57,7 @@ void versus(benchmark::State& state, Path path, Floor floor) {
 }
 
 void BM_ratio_ctv3_21_vs_report_files(benchmark::State& state) {
-    SetErrorSink(quiet, nullptr);
-    SetLogSink(quietLog, nullptr);
+    quiet();
     CMapStringToString boxes = fullBoxes();
     CString prefix;
     // The floor writes what the run writes: the report files of this very return.
@@ -93,9 +84,7 @@ BENCHMARK(BM_ratio_ctv3_21_vs_report_files);
 void BM_ratio_do_validate_vs_expat_parse(benchmark::State& state) {
     SetLogSink(quietLog, nullptr);
     CMapStringToString boxes = fullBoxes();
-    const std::unique_ptr<CXMLVar> message(quick_govtalk(&boxes, "ctv3_16"));
-    CString text;
-    message->Save(text, 1);
+    const CString text = fullMessageText();
     versus(
         state,
         [&] {
@@ -113,15 +102,8 @@ void BM_ratio_do_validate_vs_expat_parse(benchmark::State& state) {
 BENCHMARK(BM_ratio_do_validate_vs_expat_parse);
 
 void BM_ratio_do_calc2_vs_open_save(benchmark::State& state) {
-    SetErrorSink(quiet, nullptr);
-    SetLogSink(quietLog, nullptr);
-    CXMLVar tree("Return");
-    CXMLVar* boxes = tree.GetChild("Boxes");
-    CMapStringToString full = fullBoxes();
-    full["form"] = "ctv3";
-    for (const auto& [key, value] : full.items()) boxes->GetChild(key)->value = value;
-    CString text;
-    tree.Save(text, 1);
+    quiet();
+    const CString text = fullReturnText();
     versus(
         state,
         [&] {
