@@ -1,5 +1,7 @@
 // Folders, paths and the existence of files.
 #include <dlfcn.h>
+#include <errno.h>
+#include <sys/stat.h>
 #include <limits.h>
 #include <stdlib.h>
 
@@ -48,11 +50,30 @@ std::string installedTemplates() {
     return std::string();
 }
 
+// The system's temporary folder as the standard library finds it: the first
+// of these variables that is set, else /tmp.
+const char* systemTempBase() {
+    for (const char* variable : {"TMPDIR", "TMP", "TEMP", "TEMPDIR"})
+        if (const char* value = secure_getenv(variable)) return value;
+    return "/tmp";
+}
+
+// Made when missing. The folder is usually there already, and one mkdir
+// says so where a status check and a creation would ask twice.
+bool madeOrThere(const char* folder) { return mkdir(folder, 0777) == 0 || errno == EEXIST; }
 }  // namespace
 
 CString GetTempDir() {
     CString folder = folderFromEnv("CT600_TEMP_DIR");
     if (folder.IsEmpty()) {
+        // Its ct600 folder made or found proves the base a folder; anything
+        // else takes the long way, which falls back to /tmp.
+        if (const char* base = systemTempBase(); *base) {
+            std::string text(base);
+            if (text.back() != '/') text += '/';
+            text += "ct600";
+            if (madeOrThere(text.c_str())) return CString(std::move(text));
+        }
         std::error_code ec;
         fs::path base = fs::temp_directory_path(ec);
         if (ec || base.empty()) base = "/tmp";
@@ -60,6 +81,7 @@ CString GetTempDir() {
         while (text.size() > 1 && text.back() == '/') text.pop_back();
         folder = CString(std::move(text));
     }
+    if (madeOrThere(folder.c_str())) return folder;
     std::error_code ec;
     fs::create_directories(fs::path(folder.str()), ec);  // a failure shows when a file is opened
     return folder;
@@ -71,7 +93,9 @@ CString GetCTdir() {
     static const std::string installed = installedTemplates();
     if (!installed.empty()) return CString(installed);
 #ifdef CT600_TEMPLATE_INSTALL_DIR
-    if (isFolder(CT600_TEMPLATE_INSTALL_DIR)) return CString(CT600_TEMPLATE_INSTALL_DIR);
+    // Looked for once, like the installed tree above.
+    static const bool installDir = isFolder(CT600_TEMPLATE_INSTALL_DIR);
+    if (installDir) return CString(CT600_TEMPLATE_INSTALL_DIR);
 #endif
 #ifdef CT600_TEMPLATE_SOURCE_DIR
     return CString(CT600_TEMPLATE_SOURCE_DIR);
