@@ -54,18 +54,53 @@ bool rowNumber(std::string_view digits, int& number) {
 }
 }  // namespace
 
+namespace {
+// Each thread keeps its table from run to run: a run only moves the stamp on.
+struct ThreadTable {
+    std::vector<BoxIndex::Slot> slots;
+    std::uint16_t stamp = 0;
+    bool busy = false;
+};
+thread_local ThreadTable threadTable;
+
+// The next stamp of a table; when the count wraps, the table is swept once.
+std::uint16_t nextStamp(std::vector<BoxIndex::Slot>& slots, std::uint16_t stamp) {
+    if (++stamp != 0) return stamp;
+    std::fill(slots.begin(), slots.end(), BoxIndex::Slot{});
+    return 1;
+}
+}  // namespace
+
 void BoxIndex::Start(const CMapStringToString& boxes) {
+    Stop();
     // Room for the map and for 256 keys more, at most two thirds full.
     std::size_t size = 256;
-    int bits = 8;
-    for (; 2 * size < 3 * (boxes.items().size() + 256); ++bits) size *= 2;
-    shift_ = 64 - bits;
+    for (; 2 * size < 3 * (boxes.items().size() + 256);) size *= 2;
     static_assert(std::is_trivial_v<Slot>);
-    slots_.clear();
-    slots_.resize(size);
+    // A run inside a run (a calculator calling another) has a table of its own.
+    std::vector<Slot>& table = threadTable.busy ? own_ : threadTable.slots;
+    std::uint16_t& stamp = threadTable.busy ? stamp_ : threadTable.stamp;
+    borrowed_ = !threadTable.busy;
+    if (borrowed_) threadTable.busy = true;
+    if (table.size() < size) {
+        table.assign(size, Slot{});
+        stamp = 0;
+    }
+    stamp = nextStamp(table, stamp);
+    stamp_ = stamp;
+    slots_ = table.data();
+    size_ = table.size();
+    shift_ = 64 - std::countr_zero(size_);
     used_ = 0;
     made = 0;
     Walk(boxes);
+}
+
+void BoxIndex::Stop() noexcept {
+    if (borrowed_) threadTable.busy = false;
+    borrowed_ = false;
+    slots_ = nullptr;
+    used_ = 0;
 }
 
 // One walk of the map indexes what it holds, so that no key of the run needs
@@ -97,22 +132,19 @@ std::uint64_t keyWord(const char* bytes, std::size_t n) {
 }  // namespace
 
 BoxIndex::Slot* BoxIndex::Find(std::string_view key) {
-    if (slots_.empty() || key.size() > kMaxKey) return nullptr;
+    if (!slots_ || key.size() > kMaxKey) return nullptr;
     // The key as two words: one multiply each hashes it, two compares match it.
     const std::uint64_t head = keyWord(key.data(), std::min<std::size_t>(key.size(), 8));
     const std::uint64_t tail = key.size() > 8 ? keyWord(key.data() + 8, key.size() - 8) : 0;
     const std::uint64_t hash = (head * 0x9E3779B97F4A7C15ull) ^ (tail * 0xC2B2AE3D27D4EB4Full) ^ key.size();
-    const std::size_t mask = slots_.size() - 1;
+    const std::size_t mask = size_ - 1;
     for (std::size_t i = static_cast<std::size_t>((hash * 0xFF51AFD7ED558CCDull) >> shift_);; i = (i + 1) & mask) {
         Slot& slot = slots_[i];
-        if (!slot.used) {
+        if (slot.stamp != stamp_) {
             // Keep the table at most three quarters full, so probes stay short.
-            if (4 * (used_ + 1) > 3 * slots_.size()) return nullptr;
+            if (4 * (used_ + 1) > 3 * size_) return nullptr;
             ++used_;
-            slot.used = true;
-            slot.head = head;
-            slot.tail = tail;
-            slot.length = static_cast<std::uint8_t>(key.size());
+            slot = Slot{head, tail, nullptr, 0, static_cast<std::uint8_t>(key.size()), stamp_};
             return &slot;
         }
         if (slot.head == head && slot.tail == tail && slot.length == key.size()) return &slot;

@@ -26,25 +26,29 @@
 // to 13 bytes; a longer key, or a full table, goes to the map itself.
 class BoxIndex {
 public:
-    // Half a cache line: the table of a full return stays small enough to
-    // clear and probe cheaply.
-    // An empty slot is all zero bytes (Slot{}), so a table is cleared in one sweep.
+    // Half a cache line. A slot is taken when it carries the run's stamp, so
+    // a table is emptied for the next run by moving the stamp on, not by a
+    // sweep; an all-zero slot (Slot{}) is empty in every run.
     struct Slot {
         std::uint64_t head, tail;  // the key's bytes, zero-padded
         CString* text;
         std::uint32_t value;  // 1 + the key's place in m_Values, or 0
         std::uint8_t length;
-        bool used;
+        std::uint16_t stamp;
     };
     static constexpr std::size_t kMaxKey = 16;
+    BoxIndex() = default;
+    BoxIndex(const BoxIndex&) = delete;
+    BoxIndex& operator=(const BoxIndex&) = delete;
+    ~BoxIndex() { Stop(); }
     void Start(const CMapStringToString& boxes);
     void Walk(const CMapStringToString& boxes);
     // Walks again when the map has grown by entries the store did not make.
     void Sync(const CMapStringToString& boxes) {
         if (boxes.items().size() - made != mapSize) Walk(boxes);
     }
-    void Stop() noexcept { slots_.clear(); used_ = 0; }
-    bool Active() const noexcept { return !slots_.empty(); }
+    void Stop() noexcept;
+    bool Active() const noexcept { return slots_ != nullptr; }
     // The key's slot, claimed if new; null when the key cannot be indexed.
     Slot* Find(std::string_view key);
     // Entries the store itself added to the map during the run, and the
@@ -53,9 +57,13 @@ public:
     std::size_t mapSize = 0;
 
 private:
-    std::vector<Slot> slots_;
+    Slot* slots_ = nullptr;  // the thread's table, or own_ when a run is already using that
+    std::size_t size_ = 0;
     std::size_t used_ = 0;
     int shift_ = 0;  // 64 less the table's bits
+    std::uint16_t stamp_ = 0;
+    bool borrowed_ = false;
+    std::vector<Slot> own_;
 };
 
 // The side store of computed numbers: full key to the last number SetBox
