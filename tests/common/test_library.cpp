@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <initializer_list>
 #include <limits>
@@ -159,6 +160,47 @@ TEST(Folders, PathsAndOverrides) {
     EnvGuard templates("CT600_TEMPLATE_DIR", nullptr);
     EXPECT_FALSE(GetCTdir().IsEmpty());
     EXPECT_NE(GetCTdir().Right(1), "/");
+}
+
+// Without CT600_TEMP_DIR the folder is "ct600" in the system's temporary
+// folder: the first of TMPDIR, TMP, TEMP, TEMPDIR that is set, and /tmp when
+// that is no folder.
+TEST(Folders, SystemTemporaryFolder) {
+    const std::string scratch = (GetTempDir() + "/system-temp").str();
+    std::filesystem::remove_all(scratch);
+    std::filesystem::create_directories(scratch);
+    std::ofstream(scratch + "/file") << "x";
+    EnvGuard own("CT600_TEMP_DIR", nullptr);
+    struct Case {
+        const char* tmpdir;
+        const char* tmp;
+        std::string want;
+    };
+    const Case cases[] = {
+        {"S", nullptr, "S/ct600"},          {"S/", nullptr, "S/ct600"},
+        {"S/missing", nullptr, "/tmp/ct600"}, {"S/file", nullptr, "/tmp/ct600"},
+        {"", "S", "/tmp/ct600"},            {nullptr, "S", "S/ct600"},
+    };
+    const auto scratched = [&scratch](const char* text) {
+        std::string out = text ? text : "";
+        if (out.starts_with('S')) out.replace(0, 1, scratch);
+        return out;
+    };
+    for (const Case& c : cases) {
+        EnvGuard tmpdir("TMPDIR", c.tmpdir ? scratched(c.tmpdir).c_str() : nullptr);
+        EnvGuard tmp("TMP", c.tmp ? scratched(c.tmp).c_str() : nullptr);
+        EnvGuard temp("TEMP", nullptr), tempdir("TEMPDIR", nullptr);
+        const std::string want = scratched(c.want.c_str());
+        EXPECT_EQ(GetTempDir().str(), want) << (c.tmpdir ? c.tmpdir : "(unset)");
+        EXPECT_TRUE(std::filesystem::is_directory(want));
+        // Removed behind the library's back, it is made again.
+        if (want != "/tmp/ct600") {
+            std::filesystem::remove_all(want);
+            EXPECT_EQ(GetTempDir().str(), want);
+            EXPECT_TRUE(std::filesystem::is_directory(want));
+        }
+    }
+    std::filesystem::remove_all(scratch);
 }
 
 TEST(Subform, BoxesBecomeAMap) {
