@@ -306,9 +306,10 @@ void CBaseCalc::SetBox(const char* key, double value) {
     }
     if (!box->IsEmpty() && (*box)[box->GetLength() - 1] == '!') return;
     // "%f" of a plain nought, the clearing's value, needs no formatting.
-    if (value == 0 && !std::signbit(value))
-        *box = "0.000000";
-    else
+    // A box that already says so is left alone.
+    if (value == 0 && !std::signbit(value)) {
+        if (box->view() != "0.000000") *box = "0.000000";
+    } else
         *box = FormatFixed(value, 6);
 }
 

@@ -31,35 +31,42 @@ double myatof(const char* text) {
     // from_chars's own result, without its general machinery. Longer texts
     // of that form go to from_chars as they stand.
     {
-        constexpr std::uint64_t kExactLimit = (std::uint64_t{1} << 53) / 10;
-        const char* q = text + (*text == '-');
-        const char* digits = q;
-        std::uint64_t whole = 0;
-        int decimals = 0;
-        bool exact = true;
-        for (; isDigit(*q); ++q) {
-            if (whole >= kExactLimit) exact = false;
-            else whole = whole * 10 + static_cast<unsigned>(*q - '0');
-        }
-        if (q != digits) {
-            if (*q == '.' && isDigit(q[1]))
-                for (++q; isDigit(*q); ++q) {
-                    if (whole >= kExactLimit) exact = false;
-                    else whole = whole * 10 + static_cast<unsigned>(*q - '0');
-                    ++decimals;
-                }
-            if (*q == '\0' || (*q == '!' && q[1] == '\0')) {
+        const char* digits = text + (*text == '-');
+        const char* point = digits;
+        while (isDigit(*point)) ++point;
+        if (point != digits) {
+            const char* end = point;
+            if (*end == '.' && isDigit(end[1]))
+                for (++end; isDigit(*end);) ++end;
+            if (*end == '\0' || (*end == '!' && end[1] == '\0')) {
                 static constexpr double kTens[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                                    1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
                                                    1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-                if (exact && decimals <= 22) {
+                const int decimals = end == point ? 0 : static_cast<int>(end - point - 1);
+                const auto magnitude = [&](std::uint64_t whole) {
                     if (whole == 0) return 0.0;
-                    const double magnitude = static_cast<double>(whole) / kTens[decimals];
-                    return digits != text ? -magnitude : magnitude;
+                    const double m = static_cast<double>(whole) / kTens[decimals];
+                    return digits != text ? -m : m;
+                };
+                // Fifteen digits stay below 2^53 whatever they are.
+                if ((point - digits) + decimals <= 15) {
+                    std::uint64_t whole = 0;
+                    for (const char* q = digits; q != point; ++q) whole = whole * 10 + static_cast<unsigned>(*q - '0');
+                    for (const char* q = end - decimals; q != end; ++q) whole = whole * 10 + static_cast<unsigned>(*q - '0');
+                    return magnitude(whole);
                 }
+                constexpr std::uint64_t kExactLimit = (std::uint64_t{1} << 53) / 10;
+                std::uint64_t whole = 0;
+                bool exact = true;
+                for (const char* q = digits; q != end; ++q) {
+                    if (q == point) continue;
+                    if (whole >= kExactLimit) exact = false;
+                    else whole = whole * 10 + static_cast<unsigned>(*q - '0');
+                }
+                if (exact && decimals <= 22) return magnitude(whole);
                 double result = 0.0;
-                const auto [end, ec] = std::from_chars(text, q, result);
-                if (end == q) return ec != std::errc() || !std::isfinite(result) || result == 0.0 ? 0.0 : result;
+                const auto [stop, ec] = std::from_chars(text, end, result);
+                if (stop == end) return ec != std::errc() || !std::isfinite(result) || result == 0.0 ? 0.0 : result;
             }
         }
     }
