@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <span>
 #include <string_view>
 #include <tuple>
 #include <type_traits>
@@ -226,20 +227,31 @@ double CBaseCalc::SumBoxes(const char* format, int first, int last) const {
         for (int n = first; n <= last; ++n) sum += GetBox(BoxKey(format, n));
         return sum;
     }
-    std::string stem(m_Prefix.view());
-    stem += row.head;
-    std::vector<std::pair<int, double>> present;
+    // The stem as a CString, so the search compares without a temporary per step.
+    const CString stemText(std::string(m_Prefix.view()).append(row.head));
+    const std::string_view stem = stemText.view();
+    // Rows as they come in key order ("1", "10", "2"...), on the stack while few.
+    std::pair<int, double> few[16];
+    std::vector<std::pair<int, double>> many;
+    std::size_t count = 0;
     const auto& items = m_pBoxes->items();
-    for (auto it = items.lower_bound(std::string_view(stem)); it != items.end(); ++it) {
+    for (auto it = items.lower_bound(stemText); it != items.end(); ++it) {
         const std::string_view key = it->first.view();
         if (key.substr(0, stem.size()) != stem) break;
         std::string_view rest = key.substr(stem.size());
         if (rest.size() < row.tail.size() || rest.substr(rest.size() - row.tail.size()) != row.tail) continue;
         rest.remove_suffix(row.tail.size());
         int number = 0;
-        if (rowNumber(rest, number) && number >= first && number <= last)
-            present.emplace_back(number, myatof(it->second));
+        if (!rowNumber(rest, number) || number < first || number > last) continue;
+        const std::pair<int, double> entry(number, myatof(it->second));
+        if (count < std::size(few)) {
+            few[count++] = entry;
+            continue;
+        }
+        if (many.empty()) many.assign(few, few + count);
+        many.push_back(entry);
     }
+    const std::span<std::pair<int, double>> present = many.empty() ? std::span(few, count) : std::span(many);
     std::sort(present.begin(), present.end());
     double sum = 0.0;
     for (const auto& entry : present) sum += entry.second;

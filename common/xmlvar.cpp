@@ -3,6 +3,7 @@
 #include <expat.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -83,8 +84,24 @@ bool forbiddenInXml(unsigned char c) { return c < 0x20 && c != '\t' && c != '\n'
 // Text and attribute values share one escape. A literal CR would be folded
 // into the line break by the reader; in attributes readers also normalise
 // tabs and line feeds to blanks, so those go as references there too.
+// Bytes the escape may change or drop, in text or in attributes; runs of
+// the others are copied whole.
+constexpr auto kSpecialBytes = [] {
+    std::array<bool, 256> special{};
+    for (int c = 0; c < 0x20; ++c) special[static_cast<std::size_t>(c)] = true;
+    for (unsigned char c : {'&', '<', '>', '"'}) special[c] = true;
+    return special;
+}();
+
 void appendEscaped(std::string& out, std::string_view text, bool attribute) {
-    for (char ch : text) {
+    const char* p = text.data();
+    const char* const end = p + text.size();
+    while (p != end) {
+        const char* run = p;
+        while (p != end && !kSpecialBytes[static_cast<unsigned char>(*p)]) ++p;
+        out.append(run, p);
+        if (p == end) break;
+        const char ch = *p++;
         const char* reference = nullptr;
         switch (ch) {
             case '&': reference = "&amp;"; break;
@@ -116,9 +133,8 @@ void appendIndent(std::string& out, int level) {
     out.append(static_cast<std::size_t>(std::min(level, kMaxIndentLevel)) * 2, ' ');
 }
 
-void appendOpenTag(std::string& out, const CXMLVar& node, bool selfClose) {
+void appendOpenTag(std::string& out, const CXMLVar& node, bool escaped, bool selfClose) {
     const std::string& name = node.name.str();
-    const bool escaped = needsEscapedName(name);
     out += '<';
     out += escaped ? kEscapedName : name;
     if (escaped) appendAttr(out, kEscapedNameAttr, name);
@@ -132,9 +148,9 @@ void appendOpenTag(std::string& out, const CXMLVar& node, bool selfClose) {
     out += selfClose ? "/>" : ">";
 }
 
-void appendCloseTag(std::string& out, const CXMLVar& node) {
+void appendCloseTag(std::string& out, const CXMLVar& node, bool escaped) {
     out += "</";
-    out += needsEscapedName(node.name.str()) ? kEscapedName : node.name.str();
+    out += escaped ? kEscapedName : node.name.str();
     out += '>';
 }
 
@@ -146,8 +162,9 @@ void writeTree(const CXMLVar& root, std::string& out) {
         const CXMLVar* node;
         int level;
         bool closing;
+        bool escaped;  // of a closing step: the name goes through the escape
     };
-    std::vector<Step> stack{{&root, 0, false}};
+    std::vector<Step> stack{{&root, 0, false, false}};
     while (!stack.empty()) {
         const Step step = stack.back();
         stack.pop_back();
@@ -157,24 +174,25 @@ void writeTree(const CXMLVar& root, std::string& out) {
             appendIndent(out, step.level);
         }
         if (step.closing) {
-            appendCloseTag(out, node);
+            appendCloseTag(out, node, step.escaped);
             continue;
         }
+        const bool escaped = needsEscapedName(node.name.str());
         if (node.children.empty()) {
             if (node.value.IsEmpty()) {
-                appendOpenTag(out, node, true);
+                appendOpenTag(out, node, escaped, true);
             } else {
-                appendOpenTag(out, node, false);
+                appendOpenTag(out, node, escaped, false);
                 appendText(out, node.value.str());
-                appendCloseTag(out, node);
+                appendCloseTag(out, node, escaped);
             }
             continue;
         }
-        appendOpenTag(out, node, false);
+        appendOpenTag(out, node, escaped, false);
         appendText(out, node.value.str());
-        stack.push_back({&node, step.level, true});
+        stack.push_back({&node, step.level, true, escaped});
         for (auto it = node.children.rbegin(); it != node.children.rend(); ++it)
-            stack.push_back({*it, step.level + 1, false});
+            stack.push_back({*it, step.level + 1, false, false});
     }
 }
 
@@ -444,6 +462,7 @@ int CXMLVar::OpenPath(const char* path) {
 // node. Any other nameless node is written through the name escape.
 void CXMLVar::Save(CString& out, int withDeclaration) const {
     std::string text;
+    text.reserve(1024);  // a report tree fits; a return grows from there
     if (withDeclaration) text += "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n";
     if (!style_.IsEmpty()) {
         text += "<?xml-stylesheet type=\"text/xsl\" href=\"";
