@@ -104,52 +104,63 @@ void BoxIndex::Stop() noexcept {
     used_ = 0;
 }
 
+namespace {
+// Up to seven bytes as one word, zero above them, read in at most three
+// loads that never pass the last byte.
+[[gnu::always_inline]] inline std::uint64_t shortWord(const char* bytes, std::size_t n) {
+    if (n >= 4) {
+        std::uint32_t low, high;
+        std::memcpy(&low, bytes, 4);
+        std::memcpy(&high, bytes + n - 4, 4);
+        return low | static_cast<std::uint64_t>(high) << (8 * (n - 4));
+    }
+    if (n == 0) return 0;
+    const auto byte = [bytes](std::size_t i) { return static_cast<std::uint64_t>(static_cast<unsigned char>(bytes[i])) << (8 * i); };
+    return byte(0) | byte(n / 2) | byte(n - 1);
+}
+}  // namespace
+
+// Used only here; inlined into the walk and the lookups.
+[[gnu::always_inline]] inline BoxIndex::Slot* BoxIndex::Find(std::string_view key) {
+    const std::size_t n = key.size();
+    if (n > kMaxKey || !slots_) return nullptr;
+    // The key as two words, zero-padded: one multiply hashes it, two compares match it.
+    const char* bytes = key.data();
+    std::uint64_t head = 0, tail = 0;
+    if constexpr (std::endian::native != std::endian::little) {
+        std::memcpy(&head, bytes, std::min<std::size_t>(n, 8));
+        if (n > 8) std::memcpy(&tail, bytes + 8, n - 8);
+    } else if (n >= 8) {
+        std::memcpy(&head, bytes, 8);
+        // The last eight bytes, shifted down past those the head holds.
+        if (n > 8) {
+            std::memcpy(&tail, bytes + n - 8, 8);
+            tail >>= 8 * (16 - n);
+        }
+    } else {
+        head = shortWord(bytes, n);
+    }
+    const std::uint64_t mixed = (head ^ (tail * 0xC2B2AE3D27D4EB4Full) ^ n) * 0x9E3779B97F4A7C15ull;
+    const std::size_t mask = size_ - 1;
+    for (std::size_t i = static_cast<std::size_t>(mixed >> shift_);; i = (i + 1) & mask) {
+        Slot& slot = slots_[i];
+        if (slot.stamp != stamp_) {
+            // Keep the table at most three quarters full, so probes stay short.
+            if (4 * (used_ + 1) > 3 * size_) return nullptr;
+            ++used_;
+            slot = Slot{head, tail, nullptr, 0, static_cast<std::uint8_t>(n), stamp_};
+            return &slot;
+        }
+        if (slot.head == head && slot.tail == tail && slot.length == n) return &slot;
+    }
+}
+
 // One walk of the map indexes what it holds, so that no key of the run needs
 // a search of the map, present or missing.
 void BoxIndex::Walk(const CMapStringToString& boxes) {
     for (const auto& [key, text] : boxes.items())
         if (Slot* slot = Find(key.view())) slot->text = const_cast<CString*>(&text);
     mapSize = boxes.items().size() - made;
-}
-
-namespace {
-// Up to eight bytes as one word, zero above them, read in at most three loads
-// that never pass the last byte.
-std::uint64_t keyWord(const char* bytes, std::size_t n) {
-    std::uint64_t word = 0;
-    if constexpr (std::endian::native != std::endian::little) {
-        std::memcpy(&word, bytes, n);
-    } else if (n >= 4) {
-        std::uint32_t low, high;
-        std::memcpy(&low, bytes, 4);
-        std::memcpy(&high, bytes + n - 4, 4);
-        word = low | static_cast<std::uint64_t>(high) << (8 * (n - 4));
-    } else if (n > 0) {
-        const auto byte = [bytes](std::size_t i) { return static_cast<std::uint64_t>(static_cast<unsigned char>(bytes[i])) << (8 * i); };
-        word = byte(0) | byte(n / 2) | byte(n - 1);
-    }
-    return word;
-}
-}  // namespace
-
-BoxIndex::Slot* BoxIndex::Find(std::string_view key) {
-    if (!slots_ || key.size() > kMaxKey) return nullptr;
-    // The key as two words: one multiply each hashes it, two compares match it.
-    const std::uint64_t head = keyWord(key.data(), std::min<std::size_t>(key.size(), 8));
-    const std::uint64_t tail = key.size() > 8 ? keyWord(key.data() + 8, key.size() - 8) : 0;
-    const std::uint64_t hash = (head * 0x9E3779B97F4A7C15ull) ^ (tail * 0xC2B2AE3D27D4EB4Full) ^ key.size();
-    const std::size_t mask = size_ - 1;
-    for (std::size_t i = static_cast<std::size_t>((hash * 0xFF51AFD7ED558CCDull) >> shift_);; i = (i + 1) & mask) {
-        Slot& slot = slots_[i];
-        if (slot.stamp != stamp_) {
-            // Keep the table at most three quarters full, so probes stay short.
-            if (4 * (used_ + 1) > 3 * size_) return nullptr;
-            ++used_;
-            slot = Slot{head, tail, nullptr, 0, static_cast<std::uint8_t>(key.size()), stamp_};
-            return &slot;
-        }
-        if (slot.head == head && slot.tail == tail && slot.length == key.size()) return &slot;
-    }
 }
 
 namespace {

@@ -23,7 +23,7 @@
 // what it writes to the index, and when the map has grown by entries the
 // store did not make (a liability driver reading through the creating
 // operator[]), the next lookup walks the map again. Keys are held inline up
-// to 13 bytes; a longer key, or a full table, goes to the map itself.
+// to 16 bytes; a longer key, or a full table, goes to the map itself.
 class BoxIndex {
 public:
     // Half a cache line. A slot is taken when it carries the run's stamp, so

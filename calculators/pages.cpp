@@ -74,11 +74,23 @@ void PageD(CBaseCalc& c) {
     c.SetBox("QD16", FlooredAtZero(c.GetBox("QD3") - c.GetBox("QD15")));
 }
 
+namespace {
+// A ship's row: its net tons and days in, its profit out.
+struct TonnageRow {
+    const char* tons;
+    const char* days;
+    const char* profit;
+};
+constexpr TonnageRow kTonnageRows[] = {
+    {"QF10D.1", "QF10E.1", "QF10G.1"}, {"QF10D.2", "QF10E.2", "QF10G.2"}, {"QF10D.3", "QF10E.3", "QF10G.3"},
+    {"QF10D.4", "QF10E.4", "QF10G.4"}, {"QF10D.5", "QF10E.5", "QF10G.5"}, {"QF10D.6", "QF10E.6", "QF10G.6"},
+    {"QF10D.7", "QF10E.7", "QF10G.7"},
+};
+}  // namespace
+
 void TonnagePage(CBaseCalc& c) {
-    for (int row = 1; row <= 7; ++row)
-        c.SetBox(CBaseCalc::BoxKey("QF10G.%d", row),
-                 TonnageProfit(c.GetBox(CBaseCalc::BoxKey("QF10D.%d", row)),
-                               c.GetBox(CBaseCalc::BoxKey("QF10E.%d", row))));
+    for (const TonnageRow& row : kTonnageRows)
+        c.SetBox(row.profit, TonnageProfit(c.GetBox(row.tons), c.GetBox(row.days)));
     // Eight rows are summed: the eighth is entered by hand, never computed.
     c.SetBox("QF10", roundnearest(c.SumBoxes("QF10G.%d", 1, 8)));
     c.SetBox("Q13", c.GetBox("QF10"));

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <map>
+#include <string_view>
 #include <vector>
 
 #include "platform/cstring.h"
@@ -20,9 +21,20 @@ public:
 
 // Map from text to text. Iteration runs in key order, which makes output
 // reproducible; callers must not rely on any order all the same.
+// Orders keys as std::string does. A key given as a view or as C text is
+// compared as it stands, with no CString made for each step of a search.
+struct KeyLess {
+    using is_transparent = void;
+    bool operator()(const CString& a, const CString& b) const noexcept { return a.view() < b.view(); }
+    bool operator()(const CString& a, std::string_view b) const noexcept { return a.view() < b; }
+    bool operator()(std::string_view a, const CString& b) const noexcept { return a < b.view(); }
+    bool operator()(const CString& a, const char* b) const noexcept { return a.view() < std::string_view(b); }
+    bool operator()(const char* a, const CString& b) const noexcept { return std::string_view(a) < b.view(); }
+};
+
 class CMapStringToString {
 public:
-    using Storage = std::map<CString, CString, std::less<>>;
+    using Storage = std::map<CString, CString, KeyLess>;
 
     explicit CMapStringToString(int blockSize = 10) { (void)blockSize; }
 
