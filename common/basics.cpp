@@ -31,37 +31,35 @@ double myatof(const char* text) {
     // from_chars's own result, without its general machinery. Longer texts
     // of that form go to from_chars as they stand.
     {
+        // One pass reads the digits as a whole number; it is only used when
+        // there are at most fifteen of them, which stay below 2^53.
         const char* digits = text + (*text == '-');
-        const char* point = digits;
-        while (isDigit(*point)) ++point;
+        const char* q = digits;
+        std::uint64_t whole = 0;
+        for (; isDigit(*q); ++q) whole = whole * 10 + static_cast<unsigned>(*q - '0');
+        const char* const point = q;
         if (point != digits) {
-            const char* end = point;
-            if (*end == '.' && isDigit(end[1]))
-                for (++end; isDigit(*end);) ++end;
+            if (*q == '.' && isDigit(q[1]))
+                for (++q; isDigit(*q); ++q) whole = whole * 10 + static_cast<unsigned>(*q - '0');
+            const char* const end = q;
             if (*end == '\0' || (*end == '!' && end[1] == '\0')) {
                 static constexpr double kTens[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                                    1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
                                                    1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
                 const int decimals = end == point ? 0 : static_cast<int>(end - point - 1);
-                const auto magnitude = [&](std::uint64_t whole) {
-                    if (whole == 0) return 0.0;
-                    const double m = static_cast<double>(whole) / kTens[decimals];
+                const auto magnitude = [&](std::uint64_t number) {
+                    if (number == 0) return 0.0;
+                    const double m = static_cast<double>(number) / kTens[decimals];
                     return digits != text ? -m : m;
                 };
-                // Fifteen digits stay below 2^53 whatever they are.
-                if ((point - digits) + decimals <= 15) {
-                    std::uint64_t whole = 0;
-                    for (const char* q = digits; q != point; ++q) whole = whole * 10 + static_cast<unsigned>(*q - '0');
-                    for (const char* q = end - decimals; q != end; ++q) whole = whole * 10 + static_cast<unsigned>(*q - '0');
-                    return magnitude(whole);
-                }
+                if ((point - digits) + decimals <= 15) return magnitude(whole);
                 constexpr std::uint64_t kExactLimit = (std::uint64_t{1} << 53) / 10;
-                std::uint64_t whole = 0;
+                whole = 0;
                 bool exact = true;
-                for (const char* q = digits; q != end; ++q) {
-                    if (q == point) continue;
+                for (const char* d = digits; d != end; ++d) {
+                    if (d == point) continue;
                     if (whole >= kExactLimit) exact = false;
-                    else whole = whole * 10 + static_cast<unsigned>(*q - '0');
+                    else whole = whole * 10 + static_cast<unsigned>(*d - '0');
                 }
                 if (exact && decimals <= 22) return magnitude(whole);
                 double result = 0.0;
