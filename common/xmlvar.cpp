@@ -462,7 +462,9 @@ int CXMLVar::OpenPath(const char* path) {
 // node. Any other nameless node is written through the name escape.
 void CXMLVar::Save(CString& out, int withDeclaration) const {
     std::string text;
-    text.reserve(1024);  // a report tree fits; a return grows from there
+    // Room for a report tree, kept under the allocator's large-request size
+    // (which would sweep its caches of small blocks first).
+    text.reserve(1000);
     if (withDeclaration) text += "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n";
     if (!style_.IsEmpty()) {
         text += "<?xml-stylesheet type=\"text/xsl\" href=\"";

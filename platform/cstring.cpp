@@ -66,7 +66,7 @@ bool formatAmount(double value, int decimals, char* out, std::size_t& length) {
         return false;
     auto whole = static_cast<std::uint64_t>(magnitude);
     const double fraction = magnitude - static_cast<double>(whole);  // exact
-    const auto sixtieths = static_cast<std::uint64_t>(std::ldexp(fraction, 60));
+    const auto sixtieths = static_cast<std::uint64_t>(fraction * 0x1p60);  // exact: a power of two
     const unsigned __int128 scaled = static_cast<unsigned __int128>(sixtieths) * kPowers[decimals];
     std::uint64_t digits = static_cast<std::uint64_t>(scaled >> 60);
     const unsigned __int128 rest = scaled & ((static_cast<unsigned __int128>(1) << 60) - 1);
@@ -82,7 +82,13 @@ bool formatAmount(double value, int decimals, char* out, std::size_t& length) {
     p = std::to_chars(p, p + 20, whole).ptr;
     if (decimals > 0) {
         *p++ = '.';
-        for (int i = decimals - 1; i >= 0; --i, digits /= 10) p[i] = static_cast<char>('0' + digits % 10);
+        // Two digits a step, from the right.
+        static constexpr char kPairs[] =
+            "0001020304050607080910111213141516171819202122232425262728293031323334353637383940414243444546474849"
+            "5051525354555657585960616263646566676869707172737475767778798081828384858687888990919293949596979899";
+        int i = decimals;
+        for (; i >= 2; i -= 2, digits /= 100) std::memcpy(p + i - 2, kPairs + 2 * (digits % 100), 2);
+        if (i == 1) p[0] = static_cast<char>('0' + digits);
         p += decimals;
     }
     length = static_cast<std::size_t>(p - out);
