@@ -164,11 +164,20 @@ void BoxIndex::Walk(const CMapStringToString& boxes) {
 }
 
 namespace {
+// A box key's text. Keys are a few bytes: counted here rather than through a
+// library call, which costs more than the count.
+std::string_view keyText(const char* key) {
+    if (!key) return {};
+    std::size_t n = 0;
+    while (n < 24 && key[n]) ++n;
+    return n < 24 ? std::string_view(key, n) : std::string_view(key);
+}
+
 // Prefix and key side by side, on the stack when they fit.
 class FullKey {
 public:
     FullKey(const CString& prefix, const char* key) {
-        const std::string_view tail(key ? key : "");
+        const std::string_view tail = keyText(key);
         if (prefix.IsEmpty()) {
             view_ = tail;
         } else if (prefix.GetLength() + tail.size() <= sizeof buffer_) {

@@ -21,15 +21,23 @@ public:
 
 // Map from text to text. Iteration runs in key order, which makes output
 // reproducible; callers must not rely on any order all the same.
-// Orders keys as std::string does. A key given as a view or as C text is
-// compared as it stands, with no CString made for each step of a search.
+// Orders keys as std::string does (bytes as unsigned chars, a prefix first).
+// A key given as a view or as C text is compared as it stands, with no
+// CString made for each step of a search; box keys are short, so the bytes
+// are compared in place rather than through a library call.
 struct KeyLess {
     using is_transparent = void;
-    bool operator()(const CString& a, const CString& b) const noexcept { return a.view() < b.view(); }
-    bool operator()(const CString& a, std::string_view b) const noexcept { return a.view() < b; }
-    bool operator()(std::string_view a, const CString& b) const noexcept { return a < b.view(); }
-    bool operator()(const CString& a, const char* b) const noexcept { return a.view() < std::string_view(b); }
-    bool operator()(const char* a, const CString& b) const noexcept { return std::string_view(a) < b.view(); }
+    static bool Less(std::string_view a, std::string_view b) noexcept {
+        const std::size_t n = a.size() < b.size() ? a.size() : b.size();
+        for (std::size_t i = 0; i < n; ++i)
+            if (a[i] != b[i]) return static_cast<unsigned char>(a[i]) < static_cast<unsigned char>(b[i]);
+        return a.size() < b.size();
+    }
+    bool operator()(const CString& a, const CString& b) const noexcept { return Less(a.view(), b.view()); }
+    bool operator()(const CString& a, std::string_view b) const noexcept { return Less(a.view(), b); }
+    bool operator()(std::string_view a, const CString& b) const noexcept { return Less(a, b.view()); }
+    bool operator()(const CString& a, const char* b) const noexcept { return Less(a.view(), b); }
+    bool operator()(const char* a, const CString& b) const noexcept { return Less(a, b.view()); }
 };
 
 class CMapStringToString {
