@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <tuple>
@@ -166,7 +167,7 @@ void BoxIndex::Walk(const CMapStringToString& boxes) {
 namespace {
 // A box key's text. Keys are a few bytes: counted here rather than through a
 // library call, which costs more than the count.
-std::string_view keyText(const char* key) {
+[[gnu::always_inline]] inline std::string_view keyText(const char* key) {
     if (!key) return {};
     std::size_t n = 0;
     while (n < 24 && key[n]) ++n;
@@ -176,7 +177,7 @@ std::string_view keyText(const char* key) {
 // Prefix and key side by side, on the stack when they fit.
 class FullKey {
 public:
-    FullKey(const CString& prefix, const char* key) {
+    [[gnu::always_inline]] FullKey(const CString& prefix, const char* key) {
         const std::string_view tail = keyText(key);
         if (prefix.IsEmpty()) {
             view_ = tail;
@@ -185,16 +186,14 @@ public:
             std::memcpy(buffer_ + prefix.GetLength(), tail.data(), tail.size());
             view_ = std::string_view(buffer_, static_cast<std::size_t>(prefix.GetLength()) + tail.size());
         } else {
-            long_ = prefix.str();
-            long_ += tail;
-            view_ = long_;
+            view_ = long_.emplace(prefix.str()).append(tail);
         }
     }
     std::string_view view() const noexcept { return view_; }
 
 private:
     char buffer_[32];
-    std::string long_;
+    std::optional<std::string> long_;
     std::string_view view_;
 };
 }  // namespace
