@@ -5,6 +5,7 @@
 #include <functional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "boxstore/calcbase.h"
 #include "support/capture.h"
@@ -271,6 +272,29 @@ TEST_F(BoxStore, AnEntryMadeBehindTheStoresBackIsRead) {
 
 // Keys longer than the index holds, under a prefix, read back what was
 // written: 2.5 + 0.25 = 2.75.
+// Keys of every length from 1 to 20 bytes, in pairs that differ in one byte
+// only, at every place: each reads back what was stored under it, the one
+// from the host's map, the other from the run's own write.
+TEST_F(BoxStore, KeysThatDifferInOneByteStayApart) {
+    CMapStringToString boxes;
+    std::vector<std::pair<std::string, int>> keys;
+    for (std::size_t length = 1; length <= 20; ++length)
+        for (std::size_t at = 0; at < length; ++at)
+            for (const char differing : {'a', 'b'}) {
+                std::string key(length, 'k');
+                key[at] = differing;
+                keys.emplace_back(key, static_cast<int>(keys.size()) + 1);
+            }
+    for (const auto& [key, n] : keys)
+        if (n % 2) boxes[CString(key)] = CString(std::to_string(n));
+    run(boxes, "", [&keys](ScriptCalc& c) {
+        for (const auto& [key, n] : keys)
+            if (n % 2 == 0) c.SetBox(key.c_str(), n);
+        for (const auto& [key, n] : keys) EXPECT_EQ(c.GetBox(key.c_str()), n) << key;
+    });
+    for (const auto& [key, n] : keys) EXPECT_EQ(myatof(boxes[CString(key)]), n) << key;
+}
+
 TEST_F(BoxStore, LongKeysUnderAPrefixGoToTheMap) {
     CMapStringToString boxes;
     boxes["SQA10B.123456789"] = "2.5";
