@@ -77,7 +77,7 @@ void BoxIndex::Start(const CMapStringToString& boxes) {
     Stop();
     // Room for the map and for 256 keys more, at most two thirds full.
     std::size_t size = 256;
-    for (; 2 * size < 3 * (boxes.items().size() + 256);) size *= 2;
+    while (2 * size < 3 * (boxes.items().size() + 256)) size *= 2;
     static_assert(std::is_trivial_v<Slot>);
     // A run inside a run (a calculator calling another) has a table of its own.
     std::vector<Slot>& table = threadTable.busy ? own_ : threadTable.slots;
