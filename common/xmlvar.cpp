@@ -81,9 +81,6 @@ bool isAttrName(std::string_view name) {
 // not even as character references, so they are dropped on saving.
 bool forbiddenInXml(unsigned char c) { return c < 0x20 && c != '\t' && c != '\n' && c != '\r'; }
 
-// Text and attribute values share one escape. A literal CR would be folded
-// into the line break by the reader; in attributes readers also normalise
-// tabs and line feeds to blanks, so those go as references there too.
 // Bytes the escape may change or drop, in text or in attributes; runs of
 // the others are copied whole.
 constexpr auto kSpecialBytes = [] {
@@ -93,6 +90,9 @@ constexpr auto kSpecialBytes = [] {
     return special;
 }();
 
+// Text and attribute values share one escape. A literal CR would be folded
+// into the line break by the reader; in attributes readers also normalise
+// tabs and line feeds to blanks, so those go as references there too.
 void appendEscaped(std::string& out, std::string_view text, bool attribute) {
     const char* p = text.data();
     const char* const end = p + text.size();
